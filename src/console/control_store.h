@@ -1,0 +1,57 @@
+// The control-state store: what stands where the dialog's controls would be, so that the engine can read check boxes
+// and edit boxes by id. A string of checked ids and a small table of id|text rows, with the odd removal path that the
+// front end relies on.
+#pragma once
+
+#include "platform/winapi.h"
+
+// Control ids that the front end and the engine use.
+enum ControlId {
+  kIdOldString = 3010,
+  kIdNewString = 3011,
+  kIdIncludeArguments = 3012,
+  kIdCaseMatters = 3013,
+  kIdDriveList = 3014,
+  kIdSearchInFolder = 3016,
+  kIdSearchFolder = 3018,
+  kIdMatchFront = 3019,
+  kIdMatchEnd = 3020,
+  kIdMatchAll = 3021,
+  kIdFolderUnit = 3022,
+  kIdCharacterUnit = 3023,
+  kIdNoRestriction = 3024,
+  kIdWithBackslash = 3025,
+  kIdBetweenBackslashes = 3026,
+  kIdResultLine = 3032,
+  kIdFolderDisplay = 3034,
+  kIdResultsThere = 3035,
+  kIdSimulationRun = 3036,
+  kIdConfirm = 3040,
+  kIdSavedShowFolders = 3041,
+  kIdSavedReportChanged = 3042,
+};
+
+enum { kControlTextSize = 520, kControlTextRows = 4 };
+
+// Copies `text` whole into the checked ids (the saved option value has this form already).
+void SetCheckedIds(const char *text);
+// state not 0: appends a blank and the id. state 0: the checked ids become this id alone.
+void SetControlChecked(unsigned id, int state);
+// 1 when `id` stands in the checked ids as a number, else 0.
+int IsControlChecked(HWND window, unsigned id);
+// A non-empty text adds the row "id|text". An empty or null text drops the first row, whatever its id.
+void SetControlText(const char *text, unsigned id);
+// The text of the first row of `id` into `buffer`, at most `size` bytes, the rest of the buffer zero-filled; a text
+// of `size` bytes or more stays unterminated. With no such row the buffer is empty.
+void GetControlText(HWND window, unsigned id, char *buffer, int size);
+// The list box read: always an empty selection in this edition. Result 0.
+int GetSelectedRows(HWND window, unsigned controlId, int *countOut, int *firstOut);
+int SelectedRowAt(int index);
+// The parent window for messages: `window`, else the main window (none here), else the desktop.
+HWND OwnerWindow(HWND window);
+
+// For tests: the raw state.
+const char *CheckedIdsText(void);
+int ControlTextCount(void);
+const char *ControlTextRow(int row);
+void ResetControlStore(void);

@@ -1,0 +1,159 @@
+// The one header through which the engine reaches the operating system. The engine calls Windows operations by their
+// Windows names; on Windows this header brings in the system's headers, on Linux it declares the same names and
+// src/platform/posix/ implements them. A few operations are ours on both platforms (the global heap, the text case
+// routines, the console), so that they behave identically everywhere and tests can steer them.
+#pragma once
+
+#include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+
+#ifdef _WIN32
+
+#include <windows.h>
+
+#else  // the Linux backend
+
+#define WINAPI
+#define CALLBACK
+#define MAX_PATH 260
+
+// Windows' integer types keep their Windows widths: BOOL is int and DWORD is 32 bits, as on Windows.
+typedef int BOOL;
+typedef unsigned char BYTE;
+typedef unsigned short WORD;
+typedef uint32_t DWORD;
+typedef int32_t LONG;
+typedef uint32_t ULONG;
+typedef unsigned int UINT;
+typedef char CHAR;
+typedef char *LPSTR;
+typedef const char *LPCSTR;
+typedef void *LPVOID;
+typedef const void *LPCVOID;
+typedef intptr_t LONG_PTR;
+typedef uintptr_t UINT_PTR;
+typedef uintptr_t ULONG_PTR;
+typedef size_t SIZE_T;
+typedef void *HANDLE;
+typedef struct HINSTANCE__ *HINSTANCE;
+typedef HINSTANCE HMODULE;
+typedef struct HWND__ *HWND;
+typedef void *HGLOBAL;
+
+#ifndef TRUE
+#define TRUE 1
+#define FALSE 0
+#endif
+
+#define ERROR_SUCCESS 0
+#define ERROR_FILE_NOT_FOUND 2
+#define ERROR_PATH_NOT_FOUND 3
+#define ERROR_ACCESS_DENIED 5
+#define ERROR_INVALID_HANDLE 6
+#define ERROR_NOT_ENOUGH_MEMORY 8
+#define ERROR_OUTOFMEMORY 14
+#define ERROR_INVALID_PARAMETER 87
+
+#define MB_OK 0x00000000u
+#define MB_OKCANCEL 0x00000001u
+#define MB_ABORTRETRYIGNORE 0x00000002u
+#define MB_YESNOCANCEL 0x00000003u
+#define MB_YESNO 0x00000004u
+#define MB_RETRYCANCEL 0x00000005u
+#define MB_ICONEXCLAMATION 0x00000030u
+#define IDOK 1
+#define IDCANCEL 2
+#define IDABORT 3
+#define IDRETRY 4
+#define IDIGNORE 5
+#define IDYES 6
+#define IDNO 7
+
+#define GMEM_FIXED 0x0000u
+#define GMEM_MOVEABLE 0x0002u
+#define GMEM_ZEROINIT 0x0040u
+#define GHND (GMEM_MOVEABLE | GMEM_ZEROINIT)
+
+// The module handle is a token on Linux: nothing is loaded from it, string resources are compiled in.
+HMODULE GetModuleHandleA(LPCSTR moduleName);
+DWORD GetLastError(void);
+void SetLastError(DWORD code);
+HWND GetDesktopWindow(void);
+
+typedef short SHORT;
+#define SM_SWAPBUTTON 23
+#define VK_LBUTTON 0x01
+#define VK_RBUTTON 0x02
+// Linux has no key state that a console program could ask for: no key is ever down, the buttons are not swapped.
+SHORT GetAsyncKeyState(int virtualKey);
+int GetSystemMetrics(int index);
+
+#endif  // _WIN32
+
+// ---- Ours on both platforms ----------------------------------------------------------------------------------------
+
+// The global heap. Blocks keep exactly the size asked for (GlobalSize tells it), a GMEM_ZEROINIT request zero-fills
+// the new bytes, and growing a block by a little costs time in proportion to the growth, not to the block. Handles
+// are never 0 for a live block. A failed request sets the last error to ERROR_NOT_ENOUGH_MEMORY and gives 0.
+HGLOBAL KmGlobalAlloc(UINT flags, SIZE_T bytes);
+HGLOBAL KmGlobalReAlloc(HGLOBAL block, SIZE_T bytes, UINT flags);
+LPVOID KmGlobalLock(HGLOBAL block);
+BOOL KmGlobalUnlock(HGLOBAL block);
+HGLOBAL KmGlobalFree(HGLOBAL block);
+SIZE_T KmGlobalSize(HGLOBAL block);
+
+#ifdef GlobalAlloc
+#undef GlobalAlloc
+#undef GlobalReAlloc
+#undef GlobalLock
+#undef GlobalUnlock
+#undef GlobalFree
+#undef GlobalSize
+#endif
+#define GlobalAlloc KmGlobalAlloc
+#define GlobalReAlloc KmGlobalReAlloc
+#define GlobalLock KmGlobalLock
+#define GlobalUnlock KmGlobalUnlock
+#define GlobalFree KmGlobalFree
+#define GlobalSize KmGlobalSize
+
+// A message box has no window to live in on a console: its caption and text go to standard error, and the answer is
+// IDOK. Only the double-byte assertions use it.
+int KmMessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
+#ifdef MessageBoxA
+#undef MessageBoxA
+#endif
+#define MessageBoxA KmMessageBoxA
+
+// ---- The console ---------------------------------------------------------------------------------------------------
+// All console text is Shift-JIS in the program. On Linux it is converted to and from the locale's charset at this
+// boundary (not at all in the C locale); on Windows the bytes pass as they are.
+
+// Formats like printf into the buffered standard output. Result: the number of bytes formatted.
+int ConsolePrintf(const char *format, ...)
+#if defined(__GNUC__)
+    __attribute__((format(printf, 1, 2)))
+#endif
+    ;
+int ConsoleVPrintf(const char *format, va_list args);
+// Makes everything written so far visible.
+void ConsoleFlush(void);
+// Reads one line of standard input into `buffer`, as fgets does: at most size-1 bytes, the newline kept. Result:
+// `buffer`, or null at the end of input (the buffer then keeps what it held).
+char *ConsoleReadLine(char *buffer, int size);
+// One key without echo and without waiting for Enter. When standard input is not a console, the key is the next byte
+// of standard input. Result: the key's byte (0 to 255; 0 or 0xE0 starts a two-code key on a console), or -1 at the
+// end of input.
+int ConsoleReadKey(void);
+// Writes a text unformatted to standard error.
+void ConsoleWriteError(const char *text);
+
+// Ends the process the way the run-time's invalid-parameter handler does: at once, without flushing, with status
+// 0xC0000417 (STATUS_INVALID_CRUNTIME_PARAMETER) on Windows and its low byte, 0x17, on Linux.
+[[noreturn]] void ExitOnInvalidParameter(void);
+
+// Prepares the platform for the program before main's own work: on Linux the locale's charset for the console and the
+// arguments, converted in place to Shift-JIS (an argument that is an existing absolute Linux folder is given in drive
+// form); on Windows nothing.
+void PlatformStartup(int *argc, char ***argv);
