@@ -4,6 +4,8 @@
 #include <cctype>
 #include <cstdlib>
 
+#include "platform/posix/charset.h"
+
 namespace {
 
 struct DriveTable {
@@ -86,5 +88,22 @@ bool LinuxPathToDrivePath(const std::string &linuxPath, std::string *drivePath) 
   }
   if (result.size() > 3 && result.back() == '\\') result.pop_back();
   *drivePath = result;
+  return true;
+}
+
+bool DrivePathToLinuxPath(const std::string &drivePath, std::string *linuxPath) {
+  if (drivePath.size() < 3 || drivePath[1] != ':' || (drivePath[2] != '\\' && drivePath[2] != '/')) return false;
+  std::string root = DriveRoot(drivePath[0]);
+  if (root.empty()) return false;
+  std::string rest = Cp932ToUtf8(drivePath.substr(3));
+  // After the conversion a backslash can only be a separator: a trail byte 0x5C no longer exists in UTF-8.
+  std::string result = root;
+  for (char c : rest) {
+    if (c == '\\') c = '/';
+    if (c == '/' && !result.empty() && result.back() == '/') continue;
+    if (c != '/' && !result.empty() && result.back() != '/' && result.size() == root.size()) result += '/';
+    result += c;
+  }
+  *linuxPath = result;
   return true;
 }
