@@ -1,0 +1,105 @@
+"""Runs the built program as a process and compares what it prints, byte for byte, with the Shift-JIS text expected.
+
+The same test files serve the Linux program and the Windows program under Wine (--wine names the wrapper that runs
+it): under Wine the console is in text mode, so every newline arrives as CR LF, and the program names itself with its
+.exe. Expected texts are written here in UTF-8 and encoded with Python's own cp932 codec, independently of how the
+program's texts were converted.
+"""
+import argparse
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+
+_options = None
+
+
+def options():
+    global _options
+    if _options is None:
+        parser = argparse.ArgumentParser()
+        parser.add_argument("--program", required=True)
+        parser.add_argument("--wine", default=None)
+        _options, rest = parser.parse_known_args()
+        sys.argv[1:] = rest
+    return _options
+
+
+def under_wine():
+    return options().wine is not None
+
+
+def program_name():
+    """The name the program prints for itself in its usage."""
+    return os.path.basename(options().program)
+
+
+def sj(text):
+    """The bytes that the program writes for `text`: Shift-JIS, with CR LF under Wine."""
+    data = text.encode("cp932")
+    return data.replace(b"\n", b"\r\n") if under_wine() else data
+
+
+def drive_form(linux_path):
+    """The drive form in which both builds see a Linux folder: Z: is the root."""
+    return "Z:" + linux_path.replace("/", "\\")
+
+
+def folder_argument(linux_path):
+    """How a test names a folder on the command line: the Linux program converts an absolute Linux folder itself,
+    Wine is handed the drive form."""
+    return drive_form(linux_path) if under_wine() else linux_path
+
+
+class Run:
+    def __init__(self, stdout, stderr, code):
+        self.stdout = stdout
+        self.stderr = stderr
+        self.code = code
+
+
+def run(args, stdin=b"", env=None, cwd=None):
+    """Runs the program with `args` (texts) and `stdin` (bytes). Result: a Run.
+
+    Under Wine the arguments go in UTF-8, which Wine's Japanese locale turns into Shift-JIS; the Linux program runs in
+    the C locale, where the arguments are handed over as they are, so they go in Shift-JIS."""
+    environment = dict(os.environ)
+    if under_wine():
+        command = [options().wine, options().program] + list(args)
+    else:
+        command = [options().program.encode()] + [a.encode("cp932") for a in args]
+        # The C locale: the program's Shift-JIS passes to the pipe unconverted.
+        environment["LC_ALL"] = "C"
+        environment.pop("LANG", None)
+    if env:
+        environment.update(env)
+    completed = subprocess.run(command, input=stdin, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                               env=environment, cwd=cwd, timeout=120)
+    if completed.returncode == 77 and under_wine() and b"not installed" in completed.stderr:
+        raise unittest.SkipTest("Wine is not installed")
+    return Run(completed.stdout, completed.stderr, completed.returncode & 0xFF)
+
+
+class ProgramTest(unittest.TestCase):
+    """A test case with a scratch folder and byte-exact comparison that shows both sides as text on failure."""
+
+    def setUp(self):
+        self._scratch = tempfile.TemporaryDirectory(prefix="kelmaro_cli_")
+        self.scratch = self._scratch.name
+
+    def tearDown(self):
+        self._scratch.cleanup()
+
+    def assertOutput(self, result, expected_text, expected_code, message=""):
+        expected = sj(expected_text)
+        if result.stdout != expected:
+            shown = result.stdout.replace(b"\r\n", b"\n").decode("cp932", errors="replace")
+            self.fail("%s\n--- expected ---\n%s\n--- got ---\n%s\n--- stderr ---\n%s" %
+                      (message, expected_text, shown, result.stderr.decode("utf-8", errors="replace")))
+        self.assertEqual(result.code, expected_code, message)
+
+
+def main():
+    options()
+    unittest.main(verbosity=2)
