@@ -126,6 +126,8 @@ int KmMessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
 #endif
 #define MessageBoxA KmMessageBoxA
 
+#include "platform/char_case.h"
+
 // ---- The console ---------------------------------------------------------------------------------------------------
 // All console text is Shift-JIS in the program. On Linux it is converted to and from the locale's charset at this
 // boundary (not at all in the C locale); on Windows the bytes pass as they are.

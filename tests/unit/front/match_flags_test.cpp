@@ -1,0 +1,100 @@
+// The option controls turned into the matcher's flags and the arguments switch.
+#include "front/match_flags.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "console/control_store.h"
+#include "engine/string_matcher.h"
+
+namespace {
+
+// Checks the controls of `letters` as the command line does (one SetControlChecked per letter).
+void CheckLetters(const std::string &letters) {
+  ResetControlStore();
+  for (char letter : letters) {
+    switch (letter) {
+      case 'i':
+        SetControlChecked(kIdIncludeArguments, 1);
+        break;
+      case 'm':
+        SetControlChecked(kIdCaseMatters, 1);
+        break;
+      case 'f':
+        SetControlChecked(kIdMatchFront, 1);
+        break;
+      case 'e':
+        SetControlChecked(kIdMatchEnd, 1);
+        break;
+      case 'a':
+        SetControlChecked(kIdMatchAll, 1);
+        break;
+      case 'd':
+        SetControlChecked(kIdFolderUnit, 1);
+        break;
+      case 'c':
+        SetControlChecked(kIdCharacterUnit, 1);
+        break;
+      case 'x':
+        SetControlChecked(kIdNoRestriction, 1);
+        break;
+      case 'y':
+        SetControlChecked(kIdBetweenBackslashes, 1);
+        break;
+      case 'z':
+        SetControlChecked(kIdWithBackslash, 1);
+        break;
+      case 'k':
+        SetControlChecked(kIdConfirm, 1);
+        break;
+    }
+  }
+}
+
+TEST(MatchFlags, EveryAcceptedCombination) {
+  struct Row {
+    const char *letters;
+    unsigned char flags, withM;
+  } rows[] = {
+      {"fd", 0x09, 0x49}, {"fc", 0x05, 0x45}, {"ed", 0x0A, 0x4A}, {"ec", 0x06, 0x46},
+      {"ax", 0x20, 0x60}, {"az", 0x30, 0x70}, {"ay", 0xA0, 0xE0},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.letters);
+    CheckLetters(row.letters);
+    SetMatchFlags(0xFF);
+    EXPECT_EQ(BuildMatchFlags(), row.flags);
+    EXPECT_EQ(GetMatchFlags(), row.flags);
+    CheckLetters(std::string("m") + row.letters);
+    EXPECT_EQ(BuildMatchFlags(), row.withM);
+    EXPECT_EQ(GetMatchFlags(), row.withM);
+  }
+}
+
+TEST(MatchFlags, LettersThatLeaveNoTrace) {
+  struct Row {
+    const char *letters;
+    unsigned char flags;
+  } rows[] = {
+      {"fdxyz", 0x09}, {"ecy", 0x06},  {"adc", 0x20}, {"aydc", 0xA0}, {"ayz", 0x30},
+      {"fdk", 0x09},   {"fdcx", 0x0D}, {"fed", 0x09}, {"d", 0x08},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.letters);
+    CheckLetters(row.letters);
+    EXPECT_EQ(BuildMatchFlags(), row.flags);
+  }
+}
+
+TEST(MatchFlags, IncludeArgumentsFollowsItsControl) {
+  CheckLetters("ifd");
+  SetIncludeArguments(0);
+  EXPECT_EQ(BuildMatchFlags(), 0x09);
+  EXPECT_EQ(GetIncludeArguments(), 1);
+  CheckLetters("fd");
+  BuildMatchFlags();
+  EXPECT_EQ(GetIncludeArguments(), 0);
+}
+
+}  // namespace

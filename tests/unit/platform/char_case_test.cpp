@@ -1,0 +1,104 @@
+// The text case routines that are ours on both platforms: single-byte letters fold, double-byte characters stay.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "platform/winapi.h"
+
+namespace {
+
+std::string Hex(const std::string &bytes) {
+  static const char digits[] = "0123456789ABCDEF";
+  std::string out;
+  for (unsigned char c : bytes) {
+    if (!out.empty()) out += ' ';
+    out += digits[c >> 4];
+    out += digits[c & 15];
+  }
+  return out;
+}
+
+TEST(CharCase, FoldsStringsInPlace) {
+  struct Row {
+    const char *name, *text, *lower, *upper;
+  } rows[] = {
+      {"ascii letters", "Abc XYZ 09_@[`{", "abc xyz 09_@[`{", "ABC XYZ 09_@[`{"},
+      {"full-width A, trail 0x60", "\x82\x60", "\x82\x60", "\x82\x60"},
+      {"full-width a, trail 0x81", "\x82\x81", "\x82\x81", "\x82\x81"},
+      {"katakana a, trail 'A'", "\x83\x41", "\x83\x41", "\x83\x41"},
+      {"katakana pi, trail 'a'", "\x83\x73x\x83\x61", "\x83\x73x\x83\x61", "\x83\x73X\x83\x61"},
+      {"hyou, trail backslash, then letters", "表Ab", "表ab", "表AB"},
+      {"half-width katakana", "\xBC\xAE\xB0\xC4 a", "\xBC\xAE\xB0\xC4 a", "\xBC\xAE\xB0\xC4 A"},
+      {"lead run 81 81 81 41: 41 is a trail", "\x81\x81\x81\x41", "\x81\x81\x81\x41", "\x81\x81\x81\x41"},
+      {"lead run 81 81 41: 41 is a letter", "\x81\x81\x41", "\x81\x81\x61", "\x81\x81\x41"},
+      {"lone lead byte at the end", "A\x95", "a\x95", "A\x95"},
+      {"empty", "", "", ""},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.name);
+    char lower[32], upper[32];
+    std::snprintf(lower, sizeof lower, "%s", row.text);
+    std::snprintf(upper, sizeof upper, "%s", row.text);
+    EXPECT_EQ(CharLowerA(lower), lower);
+    EXPECT_EQ(CharUpperA(upper), upper);
+    EXPECT_EQ(Hex(lower), Hex(row.lower));
+    EXPECT_EQ(Hex(upper), Hex(row.upper));
+  }
+}
+
+TEST(CharCase, OneCharacterInTheLowWord) {
+  struct Row {
+    unsigned value, lower, upper;
+  } rows[] = {{'A', 'a', 'A'}, {'z', 'z', 'Z'}, {'5', '5', '5'}, {0xB3, 0xB3, 0xB3}, {0x82, 0x82, 0x82}};
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.value);
+    LPSTR asValue = reinterpret_cast<LPSTR>(static_cast<uintptr_t>(row.value));
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(CharLowerA(asValue)), row.lower);
+    EXPECT_EQ(reinterpret_cast<uintptr_t>(CharUpperA(asValue)), row.upper);
+  }
+  EXPECT_EQ(CharLowerA(nullptr), nullptr);
+}
+
+TEST(CharCase, ByteTests) {
+  struct Row {
+    unsigned char c;
+    BOOL lower, alpha;
+  } rows[] = {{'a', 1, 1}, {'z', 1, 1}, {'A', 0, 1},  {'Z', 0, 1},  {'@', 0, 0},  {'[', 0, 0}, {'`', 0, 0},
+              {'{', 0, 0}, {'0', 0, 0}, {0xB1, 0, 0}, {0x82, 0, 0}, {0xE0, 0, 0}, {0, 0, 0}};
+  for (const Row &row : rows) {
+    SCOPED_TRACE(int(row.c));
+    EXPECT_EQ(IsCharLowerA(static_cast<CHAR>(row.c)), row.lower);
+    EXPECT_EQ(IsCharAlphaA(static_cast<CHAR>(row.c)), row.alpha);
+  }
+}
+
+TEST(CharCase, Comparisons) {
+  struct Row {
+    const char *name, *a, *b;
+    bool equal, equalIgnoringCase;
+  } rows[] = {
+      {"same", "C:\\Program Files", "C:\\Program Files", true, true},
+      {"case differs", "c:\\program files", "C:\\PROGRAM FILES", false, true},
+      {"prefix", "abc", "abcd", false, false},
+      {"katakana a vs 83 61", "\x83\x41", "\x83\x61", false, false},
+      {"full-width A vs full-width a", "\x82\x60", "\x82\x81", false, false},
+      {"double-byte then letters", "表A", "表a", false, true},
+      {"half-width katakana", "\xB1", "\xB1", true, true},
+      {"empty", "", "", true, true},
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(row.name);
+    EXPECT_EQ(lstrcmpA(row.a, row.b) == 0, row.equal);
+    EXPECT_EQ(lstrcmpiA(row.a, row.b) == 0, row.equalIgnoringCase);
+    EXPECT_EQ(lstrcmpiA(row.b, row.a) == 0, row.equalIgnoringCase);
+  }
+  EXPECT_EQ(lstrcmpA(nullptr, nullptr), 0);
+  EXPECT_LT(lstrcmpA(nullptr, ""), 0);
+  EXPECT_GT(lstrcmpiA("", nullptr), 0);
+  EXPECT_LT(lstrcmpA("abc", "abd"), 0);
+  EXPECT_GT(lstrcmpiA("B", "a"), 0);
+}
+
+}  // namespace
