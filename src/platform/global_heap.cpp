@@ -18,6 +18,7 @@ struct Block {
   size_t capacity;  // what is allocated underneath, never less than size
   char *data;
   unsigned lockCount;
+  unsigned long long stamp;  // see KmGlobalStamp
 };
 
 size_t allocationLimit = kNoAllocationLimit;
@@ -27,6 +28,7 @@ std::vector<size_t> &AllocationLog() {
   return log;
 }
 size_t liveBlocks = 0;
+unsigned long long lastStamp = 0;  // the stamps handed out so far; 64 bits never wrap in a process's life
 
 // The hook for tests and the log, and the one place where a request is refused for its size.
 bool RequestAllowed(size_t bytes) {
@@ -63,6 +65,7 @@ HGLOBAL KmGlobalAlloc(UINT flags, SIZE_T bytes) {
   block->size = bytes;
   block->capacity = bytes;
   block->lockCount = 0;
+  block->stamp = ++lastStamp;
   ++liveBlocks;
   return block;
 }
@@ -87,6 +90,7 @@ HGLOBAL KmGlobalReAlloc(HGLOBAL handle, SIZE_T bytes, UINT flags) {
   // Bytes behind the old size may hold what a shrink left there: the grown part is zeroed from the old size on.
   if ((flags & GMEM_ZEROINIT) && bytes > block->size) std::memset(block->data + block->size, 0, bytes - block->size);
   block->size = bytes;
+  block->stamp = ++lastStamp;
   return block;
 }
 
@@ -99,6 +103,7 @@ LPVOID KmGlobalLock(HGLOBAL handle) {
   // As on Windows, a block of no bytes has no storage to point at.
   if (block->size == 0) return nullptr;
   ++block->lockCount;
+  block->stamp = ++lastStamp;
   return block->data;
 }
 
@@ -128,6 +133,11 @@ HGLOBAL KmGlobalFree(HGLOBAL handle) {
 SIZE_T KmGlobalSize(HGLOBAL handle) {
   Block *block = FromHandle(handle);
   return block == nullptr ? 0 : block->size;
+}
+
+unsigned long long KmGlobalStamp(HGLOBAL handle) {
+  Block *block = FromHandle(handle);
+  return block == nullptr ? 0 : block->stamp;
 }
 
 void TestSetAllocationLimit(size_t maxBytes) { allocationLimit = maxBytes; }

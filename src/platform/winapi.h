@@ -159,3 +159,5 @@ void ConsoleWriteError(const char *text);
 // arguments, converted in place to Shift-JIS (an argument that is an existing absolute Linux folder is given in drive
 // form); on Windows nothing.
 void PlatformStartup(int *argc, char ***argv);
+
+#include "platform/text_support.h"
