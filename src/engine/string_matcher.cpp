@@ -112,8 +112,9 @@ int FrontMatch(char *field, char *tail, char **matchOut) {
   }
   // Deliberate: in character unit `stash` is still set after a splice, and the byte that stood at the old string's
   // length goes back to that offset of the new text. With new and old strings of one length it is the byte that stands
-  // there anyway; otherwise one byte of the result changes (or nothing, where the offset lies behind the new
-  // terminator). Rewritten shortcuts depend on these bytes.
+  // there anyway; otherwise one byte of the result changes, or nothing where the offset lies behind the new
+  // terminator. Where the offset is the new terminator itself, the text runs on over the old bytes behind it, up to
+  // the old terminator, which the splice did not reach. Rewritten shortcuts depend on these bytes.
   if (stash != 0) field[oldLength] = stash;
   Store(matchOut, position);
   return result;

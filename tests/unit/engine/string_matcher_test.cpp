@@ -114,6 +114,22 @@ TEST_F(StringMatcher, DoubleByteEdges) {
   }
 }
 
+TEST_F(StringMatcher, FrontCharacterUnitWritesTheCutByteBack) {
+  struct Row {
+    const char *field, *oldString, *newString, *after;
+  } rows[] = {
+      {"abc\\d", "abc", "X", "X\\d\\d"},  // the new text ends at the cut offset: it runs on to the old end
+      {"ABCDEF", "ABCD", "XY", "XYEFEF"},     {"ABCDEFGH", "ABC", "X", "XDEDGH"},  // one byte of the result changed
+      {"ABCDEFGH", "ABCDEF", "X", "XGH"},      // the offset lies behind the new terminator
+      {"ABCDEFGH", "ABC", "XYZ", "XYZDEFGH"},  // same lengths: the byte that stands there anyway
+  };
+  for (const Row &row : rows) {
+    SCOPED_TRACE(std::string(row.field) + " / " + row.oldString + " / " + row.newString);
+    EXPECT_EQ(Run(row.field, row.oldString, row.newString, 0x05), 1);
+    EXPECT_STREQ(field, row.after);
+  }
+}
+
 TEST_F(StringMatcher, FieldEqualToOldStringIsReplacedInEveryMode) {
   for (unsigned char flags : {0x09, 0x49, 0x05, 0x45, 0x0A, 0x4A, 0x06, 0x46, 0x20, 0x60, 0x30, 0x70, 0xA0, 0xE0}) {
     SCOPED_TRACE(int(flags));
