@@ -1,0 +1,96 @@
+// Network paths.
+#include "machine/network_paths.h"
+
+#include <cstring>
+
+#include "text/myjctype.h"
+#include "text/path_strings.h"
+#include "text/quoted_args.h"
+#include "text/tokens.h"
+
+namespace {
+unsigned networkLevelMask = 0;
+}  // namespace
+
+int IsUncPath(const char *path) { return path != nullptr && path[0] == '\\' && path[1] == '\\' ? 1 : 0; }
+
+void SetNetworkLevelMask(unsigned mask) { networkLevelMask = mask; }
+unsigned NetworkLevelMask(void) { return networkLevelMask; }
+
+unsigned ClassifyNetworkPath(const char *path) {
+  if (!IsNetworkPath(path)) return 0;
+  unsigned bits = (FindCharacter(path, '*') != nullptr || FindCharacter(path, '?') != nullptr) ? kNetWildcard : 0;
+  int depth = PathDepth(path);
+  if (depth < 0) depth = -depth;
+  const bool view = !IsUncPath(path);
+  switch (depth) {
+    case 0:
+      return kNetRoot;
+    case 1:
+      bits |= kNetGroup;
+      if (IsDriveRoot(path)) bits |= kNetViewRoot;
+      if (!view) bits |= kNetServerNamed;
+      return bits;
+    case 2:
+      return bits | (view ? 0x308u : 0x108u);
+    case 3:
+      return bits | (view ? 0x710u : 0x510u);
+    case 4:
+      return bits | (view ? 0x720u : 0x520u);
+    default:
+      return bits | (view ? 0x760u : 0x560u);
+  }
+}
+
+char *ToRealNetworkPath(char *path, int *saved) {
+  if (saved != nullptr) *saved = 0;
+  if (path == nullptr || *path == 0 || !IsNetworkPath(path)) return path;
+  unsigned bits = ClassifyNetworkPath(path);
+  // At rest a server or a share by itself is no real place; anything below a share is.
+  if ((bits & networkLevelMask) == 0 && (bits & kNetBelowShare) == 0) return path;
+  if ((bits & kNetViewForm) == 0) {
+    if (saved != nullptr) *saved = -static_cast<unsigned char>(path[0]);
+    return path;
+  }
+  // A real path lies inside every view path, behind the group: overwriting the group's last byte with a backslash
+  // makes "\\server\share" appear in place.
+  if (path[1] != 0 && path[2] != 0 && path[3] != 0) {
+    char *backslash = FindCharacter(path + 3, '\\');
+    if (backslash != nullptr) {
+      char *before = backslash - 1;
+      if (saved != nullptr) *saved = static_cast<unsigned char>(*before);
+      *before = '\\';
+      return before;
+    }
+  }
+  return path;
+}
+
+int RestoreNetworkPath(char *pointer, int saved) {
+  if (pointer == nullptr || saved < 1) return 0;
+  *pointer = static_cast<char>(saved);
+  return 1;
+}
+
+int ResolveNetworkName(const char *path, char *out) {
+  std::strcpy(out, path);
+  UpperText(out);
+  unsigned bits = ClassifyNetworkPath(path);
+  if ((bits & kNetViewForm) != 0 && (bits & (kNetShare | kNetBelowShare | kNetDeepBelowShare)) != 0) {
+    // The share component of a view path: "\:\GROUP\SERVER\Share".
+    char *p = out;
+    for (int i = 0; i < 4 && p != nullptr; ++i) p = FindCharacter(p + 1, '\\');
+    if (p != nullptr) {
+      char *end = FindCharacter(p + 1, '\\');
+      char saved = 0;
+      if (end != nullptr) {
+        saved = *end;
+        *end = 0;
+      }
+      LowerText(p + 1);
+      p[1] = static_cast<char>(ToUpperByte(static_cast<unsigned char>(p[1])));
+      if (end != nullptr) *end = saved;
+    }
+  }
+  return (bits & kNetBelowShare) ? 0 : -1;
+}

@@ -1,0 +1,35 @@
+// Network paths: the UNC form "\\server\share\folder" and the network view form "\:\group\server\share\folder",
+// how deep a path lies, and the real path inside a view path, made in place for the time of one system call.
+#pragma once
+
+// Classification bits of a network path.
+enum NetworkClass {
+  kNetRoot = 0x01,
+  kNetGroup = 0x02,
+  kNetViewRoot = 0x04,
+  kNetServer = 0x08,
+  kNetShare = 0x10,
+  kNetBelowShare = 0x20,
+  kNetDeepBelowShare = 0x40,
+  kNetWildcard = 0x80,
+  kNetServerNamed = 0x100,
+  kNetViewForm = 0x200,
+  kNetShareNamed = 0x400,
+};
+
+// 1 when the path starts with two backslashes.
+int IsUncPath(const char *path);
+// The bit set above; 0 for a path that is not a network path.
+unsigned ClassifyNetworkPath(const char *path);
+// The levels that a caller accepts as real for one call; set it, make the call, set it back to 0.
+void SetNetworkLevelMask(unsigned mask);
+unsigned NetworkLevelMask(void);
+// The real (UNC) path for a network path, as a pointer into `path` itself. `saved` (if given) tells the outcome:
+// 0 no real path (a place of the network view, or not a network path); below 0 the path was real as it stood; above
+// 0 the byte that was overwritten to make the real path appear, which RestoreNetworkPath puts back.
+char *ToRealNetworkPath(char *path, int *saved);
+// Puts back the byte that ToRealNetworkPath overwrote. Result 1 when a byte was written.
+int RestoreNetworkPath(char *pointer, int saved);
+// The proper spelling of a network path. Without a network listing nothing is ever found: the path is written to
+// `out` upper-cased (the share of a view path gets a capital and lower case). Result: -1 above a share, 0 below.
+int ResolveNetworkName(const char *path, char *out);
