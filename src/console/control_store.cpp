@@ -83,6 +83,10 @@ int GetSelectedRows(HWND, unsigned, int *countOut, int *firstOut) {
 
 int SelectedRowAt(int index) { return index == 0 ? selectionTable[0] : 0; }
 
+int ShowMessageById(HWND, unsigned, unsigned, unsigned) { return 0; }
+
+int SetControlTextStub(HWND, unsigned, const char *) { return 0; }
+
 HWND OwnerWindow(HWND window) { return window != nullptr ? window : GetDesktopWindow(); }
 
 const char *CheckedIdsText(void) { return checkedIds; }

@@ -47,6 +47,11 @@ void GetControlText(HWND window, unsigned id, char *buffer, int size);
 // The list box read: always an empty selection in this edition. Result 0.
 int GetSelectedRows(HWND window, unsigned controlId, int *countOut, int *firstOut);
 int SelectedRowAt(int index);
+// The message box by string ids: it shows nothing on a console, and its 0 is no button code, so a caller that
+// compares it with a button takes the branch for any other button. Messages that must be seen use ConsolePrompt.
+int ShowMessageById(HWND window, unsigned textId, unsigned captionId, unsigned flags);
+// Sets a control's text: there is no control on a console. Result 0.
+int SetControlTextStub(HWND window, unsigned id, const char *text);
 // The parent window for messages: `window`, else the main window (none here), else the desktop.
 HWND OwnerWindow(HWND window);
 

@@ -11,6 +11,7 @@
 #ifdef _WIN32
 
 #include <windows.h>
+#include <objbase.h>
 
 #else  // the Linux backend
 

@@ -1,0 +1,14 @@
+// The error reporter: the one way in which failures are told to the user.
+#pragma once
+
+#include "platform/winapi.h"
+
+// Sounds the alert of a message level (16 stop, 48 warning).
+void ReportBeep(unsigned level);
+// 1: the network messages stay silent.
+void SetNetworkMessagesQuiet(int value);
+// The style of the next report, and the line it belongs to.
+void SetReportStyle(unsigned style, const char *line);
+// Tells a fault about `path` with the system's error and the path's attributes. Result: the user's answer (a
+// message-box code), or 0 when nothing was asked.
+int ReportErrorWithAttributes(HWND owner, const char *path, const char *text, const char *title, int nameMode);

@@ -1,0 +1,133 @@
+// Directory search: the error table, repaired names, and the life of one search handle.
+#include "files/directory_search.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "reports/last_error.h"
+#include "support/scratch_tree.h"
+
+namespace {
+
+TEST(MapLastError, Table) {
+  struct Row {
+    DWORD system;
+    int runTime;
+  } rows[] = {{0, 0},   {2, 2},    {3, 2},   {18, 2},   {123, 2},   {161, 2},          {4, 24},           {5, 13},
+              {12, 13}, {6, 9},    {8, 12},  {14, 12},  {1130, 12}, {0x80030008u, 12}, {0x8007000Eu, 12}, {11, 8},
+              {39, 28}, {112, 28}, {80, 17}, {183, 17}, {1, 22},    {87, 22}};
+  for (const Row &row : rows) {
+    SetKeptLastError(row.system);
+    SetRunTimeError(-1);
+    EXPECT_EQ(MapLastError(), row.runTime) << row.system;
+    EXPECT_EQ(GetRunTimeError(), row.runTime) << row.system;
+  }
+  SetKeptLastError(0);
+}
+
+TEST(RepairFoundName, QuestionMarksBecomeUnderscores) {
+  struct Row {
+    const char *found, *repaired;
+  } rows[] = {
+      {"a?b", "a_b"},
+      {"a??b", "a_?b"},  // the byte behind a repaired "?" is not looked at
+      {"a???b", "a_?_b"},
+      {"ab?", "ab_"},
+      {"\x83\x3F"
+       "b",
+       "\x83\x3F"
+       "b"},  // a double-byte character whose trail byte is 0x3F stays
+      {"plain", "plain"},
+  };
+  for (const Row &row : rows) {
+    char name[MAX_PATH];
+    std::memset(name, 0, sizeof name);
+    std::strcpy(name, row.found);
+    RepairFoundName(name);
+    EXPECT_STREQ(name, row.repaired) << row.found;
+  }
+}
+
+TEST(DirectorySearch, OneListingFromStartToEnd) {
+  ScratchTree tree;
+  tree.File("only.lnk");
+  std::string pattern = tree.ProgramPath() + "\\*.*";
+  FindHandle handle = {nullptr, nullptr};
+  FindRecord record;
+  std::vector<std::string> names;
+  int status = FindFirstEntry(&handle, &pattern[0], &record);
+  while (status == 0) {
+    names.push_back(record.cFileName);
+    status = FindNextEntry(&handle, &record);
+  }
+  // Nothing here filters "." and "..": a folder with one file gives three entries.
+  EXPECT_EQ(names, (std::vector<std::string>{".", "..", "only.lnk"}));
+  EXPECT_EQ(status, 1);
+  // The end of a listing leaves no trace of an error, and the handle is closed already.
+  EXPECT_EQ(GetKeptLastError(), 0u);
+  EXPECT_EQ(GetRunTimeError(), 0);
+  EXPECT_EQ(handle.SearchHandle, nullptr);
+  EXPECT_EQ(FindNextEntry(&handle, &record), 1);
+  EXPECT_EQ(CloseFind(&handle), 0);
+  EXPECT_EQ(CloseFind(&handle), 0);
+}
+
+TEST(DirectorySearch, CloseAnOpenSearchOnce) {
+  ScratchTree tree;
+  tree.File("a.lnk");
+  tree.File("b.lnk");
+  std::string pattern = tree.ProgramPath() + "\\*.lnk";
+  FindHandle handle = {nullptr, nullptr};
+  FindRecord record;
+  ASSERT_EQ(FindFirstEntry(&handle, &pattern[0], &record), 0);
+  EXPECT_STREQ(record.cFileName, "a.lnk");
+  EXPECT_EQ(CloseFind(&handle), 1);
+  EXPECT_EQ(CloseFind(&handle), 0);
+}
+
+TEST(DirectorySearch, MissingPathsAndEmptyMatches) {
+  ScratchTree tree;
+  std::string noMatch = tree.ProgramPath() + "\\*.lnk";
+  std::string noFolder = tree.ProgramPath("gone") + "\\*.lnk";
+  FindHandle handle = {nullptr, nullptr};
+  FindRecord record;
+  EXPECT_EQ(FindFirstEntry(&handle, &noMatch[0], &record), 2);
+  EXPECT_EQ(GetKeptLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+  EXPECT_EQ(handle.SearchHandle, INVALID_HANDLE_VALUE);  // a failed first call leaves the invalid value
+  EXPECT_EQ(CloseFind(&handle), 0);
+  EXPECT_EQ(FindFirstEntry(&handle, &noFolder[0], &record), 2);
+  EXPECT_EQ(GetKeptLastError(), static_cast<DWORD>(ERROR_PATH_NOT_FOUND));
+}
+
+TEST(DirectorySearch, ExactFindOfOnePath) {
+  ScratchTree tree;
+  tree.File("Mixed.Lnk");
+  std::string path = tree.ProgramPath("mixed.lnk");
+  FindRecord record;
+  HANDLE handle = nullptr;
+  ASSERT_EQ(FindFirstExact(&record, &path[0], &handle), 0);
+  EXPECT_STREQ(record.cFileName, "Mixed.Lnk");  // the disk's spelling
+  ASSERT_NE(handle, nullptr);
+  FindClose(handle);
+  std::string missing = tree.ProgramPath("nothing");
+  EXPECT_EQ(FindFirstExact(&record, &missing[0], &handle), 2);
+  EXPECT_EQ(handle, nullptr);
+  // A place of the network view is a folder by its own name, without a system call.
+  char view[] = "\\:\\grp\\srv";
+  ASSERT_EQ(FindFirstExact(&record, view, &handle), 0);
+  EXPECT_STREQ(record.cFileName, "srv");
+  EXPECT_EQ(record.dwFileAttributes, static_cast<DWORD>(FILE_ATTRIBUTE_DIRECTORY));
+}
+
+TEST(DirectorySearch, SizeAndTime) {
+  FindRecord record;
+  std::memset(&record, 0, sizeof record);
+  record.nFileSizeHigh = 1;
+  record.nFileSizeLow = 2;
+  EXPECT_EQ(FoundEntrySize(&record), 0x100000002ull);
+}
+
+}  // namespace

@@ -1,0 +1,98 @@
+// The walker on real folder trees: which folders it reaches and in what order, what it counts, and how long the
+// display options last.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/testing.h"
+#include "support/scratch_tree.h"
+#include "walker/walk_context.h"
+
+namespace {
+
+struct WalkRun {
+  int result;
+  unsigned count;
+  std::string output;
+};
+
+WalkRun Walk(const std::string &folder, const char *mask = "*.lnk", bool prepare = true) {
+  if (prepare) PrepareWalk(nullptr, 3034, 3032, 0, 0, nullptr, nullptr, 0);
+  TestConsoleBegin("");
+  unsigned count = 77;
+  int result = ScanFolderTree(nullptr, nullptr, 0x48, &count, folder.c_str(), mask, nullptr);
+  WalkRun run = {result, count, TestConsoleOutput()};
+  TestConsoleEnd();
+  PrepareWalk(nullptr, 0, 0, 0, 0, nullptr, nullptr, 0);
+  return run;
+}
+
+std::string Lines(const ScratchTree &tree, const std::vector<std::string> &folders) {
+  std::string text;
+  for (const std::string &folder : folders) text += "\n " + tree.ProgramPath(folder);
+  return text;
+}
+
+TEST(Walk, FoldersInOrderAndShortcutsCounted) {
+  ScratchTree tree;
+  tree.File("a.lnk");
+  tree.File("notes.txt");
+  tree.File("sub/b.lnk");
+  tree.File("x.lnk/c.lnk");  // a folder named like a shortcut: passed over by the mask pass, entered later
+  tree.Folder("empty");
+  tree.File("Zeta/deeper/d.LNK");
+  WalkRun run = Walk(tree.ProgramPath());
+  // Names are listed without regard to case, and every folder is printed, also an empty one.
+  EXPECT_EQ(run.output, Lines(tree, {"", "empty", "sub", "x.lnk", "Zeta", "Zeta/deeper"}));
+  EXPECT_EQ(run.count, 4u);  // a.lnk, b.lnk, c.lnk, d.LNK
+  EXPECT_EQ(run.result, 4);  // a normal end gives the entries acted on
+  EXPECT_EQ(WalkEntriesChanged(), 0u);
+}
+
+TEST(Walk, DisplayOptionsLastOneWalk) {
+  ScratchTree tree;
+  tree.File("a.lnk");
+  EXPECT_NE(Walk(tree.ProgramPath()).output, "");
+  PrepareWalk(nullptr, 3034, 3032, 0, 0, nullptr, nullptr, 0);
+  TestConsoleBegin("");
+  ScanFolderTree(nullptr, nullptr, 0x48, nullptr, tree.ProgramPath().c_str(), "*.lnk", nullptr);
+  TestConsoleEnd();
+  // A second walk without a new PrepareWalk prints nothing, and counts its own entries alone.
+  WalkRun second = Walk(tree.ProgramPath(), "*.lnk", false);
+  EXPECT_EQ(second.output, "");
+  EXPECT_EQ(second.count, 1u);
+}
+
+TEST(Walk, EmptyMaskAndMissingFolder) {
+  ScratchTree tree;
+  tree.File("a.lnk");
+  WalkRun empty = Walk(tree.ProgramPath(), "");
+  EXPECT_EQ(empty.result, 0);
+  EXPECT_EQ(empty.count, 0u);
+  EXPECT_EQ(empty.output, "");
+  // A folder that is not there is printed under p and ends both passes silently.
+  WalkRun missing = Walk(tree.ProgramPath("gone"));
+  EXPECT_EQ(missing.output, "\n " + tree.ProgramPath("gone"));
+  EXPECT_EQ(missing.count, 0u);
+}
+
+TEST(Walk, APlainWalkMergesNoOutcome) {
+  ScratchTree tree;
+  tree.File("a.lnk");
+  Walk(tree.ProgramPath());
+  EXPECT_EQ(TestOutcome(0, 0), 0);  // nothing merged into the outcome of a plain walk
+}
+
+TEST(WalkCodes, AddAndTestOutcome) {
+  struct Row {
+    int oldCode, code, merged;
+  } rows[] = {{0, -128, -128}, {-128, -2048, -2176}, {-2176, -128, -2176}, {0, 0, 0}, {-4096, 128, -4224}};
+  for (const Row &row : rows)
+    EXPECT_EQ(AddOutcome(row.oldCode, row.code), row.merged) << row.oldCode << "," << row.code;
+  EXPECT_EQ(TestOutcome(-2176, -2048), 1);
+  EXPECT_EQ(TestOutcome(-2176, -4096), 0);
+  EXPECT_EQ(TestOutcome(-2176, -2176), 1);
+}
+
+}  // namespace
