@@ -1,6 +1,7 @@
 // The global heap behind GlobalAlloc ... GlobalFree, ours on both platforms. A block keeps exactly the size that was
 // asked for, as Windows reports it, but its storage grows geometrically underneath, so that a text which is grown by
-// a few bytes at a time (the run's result text) costs time in proportion to what is added, not to its length.
+// a few bytes at a time (the run's result text) costs time in proportion to what is added, not to its length. Large
+// storage is also kept for reuse when its block is freed (see TakeStorage).
 #include <cstdlib>
 #include <cstring>
 #include <vector>
@@ -42,6 +43,48 @@ Block *FromHandle(HGLOBAL handle) {
   return block;
 }
 
+// Storage of a large block comes with half as much again, and the storage of the last large block freed is kept as a
+// spare for the next request that it fits. Each append to a growing text asks for room as large as the whole text and
+// gives it back unwritten (text/growing_text.cpp); if every such request went to the system's allocator, it would cost
+// page faults in proportion to the text, and an append to a long text would cost several times one to a short text.
+// With the spare, such a request finds its storage ready nearly every time. Small storage goes straight to malloc.
+const size_t kLargeStorage = 64 * 1024;
+char *spareData = nullptr;
+size_t spareCapacity = 0;
+
+// Storage for `bytes` (> 0), zeroed up to `bytes` when asked; `capacity` receives what it holds. Null if none.
+char *TakeStorage(size_t bytes, bool zeroed, size_t *capacity) {
+  *capacity = bytes;
+  if (bytes < kLargeStorage) return static_cast<char *>(zeroed ? std::calloc(bytes, 1) : std::malloc(bytes));
+  // A spare far larger than the request stays for a request that needs it.
+  if (spareData != nullptr && spareCapacity >= bytes && spareCapacity / 2 <= bytes) {
+    char *data = spareData;
+    *capacity = spareCapacity;
+    spareData = nullptr;
+    spareCapacity = 0;
+    if (zeroed) std::memset(data, 0, bytes);
+    return data;
+  }
+  size_t wanted = bytes <= static_cast<size_t>(-1) / 3 * 2 ? bytes + bytes / 2 : bytes;
+  char *data = static_cast<char *>(zeroed ? std::calloc(wanted, 1) : std::malloc(wanted));
+  if (data == nullptr && wanted != bytes) {
+    wanted = bytes;
+    data = static_cast<char *>(zeroed ? std::calloc(wanted, 1) : std::malloc(wanted));
+  }
+  if (data != nullptr) *capacity = wanted;
+  return data;
+}
+
+void ReturnStorage(char *data, size_t capacity) {
+  if (capacity < kLargeStorage) {
+    std::free(data);
+    return;
+  }
+  std::free(spareData);
+  spareData = data;
+  spareCapacity = capacity;
+}
+
 HGLOBAL Fail(DWORD code) {
   SetLastError(code);
   return nullptr;
@@ -54,8 +97,9 @@ HGLOBAL KmGlobalAlloc(UINT flags, SIZE_T bytes) {
   Block *block = static_cast<Block *>(std::malloc(sizeof(Block)));
   if (block == nullptr) return Fail(ERROR_NOT_ENOUGH_MEMORY);
   block->data = nullptr;
+  block->capacity = bytes;
   if (bytes > 0) {
-    block->data = static_cast<char *>((flags & GMEM_ZEROINIT) ? std::calloc(bytes, 1) : std::malloc(bytes));
+    block->data = TakeStorage(bytes, (flags & GMEM_ZEROINIT) != 0, &block->capacity);
     if (block->data == nullptr) {
       std::free(block);
       return Fail(ERROR_NOT_ENOUGH_MEMORY);
@@ -63,7 +107,6 @@ HGLOBAL KmGlobalAlloc(UINT flags, SIZE_T bytes) {
   }
   block->magic = kBlockMagic;
   block->size = bytes;
-  block->capacity = bytes;
   block->lockCount = 0;
   block->stamp = ++lastStamp;
   ++liveBlocks;
@@ -124,7 +167,7 @@ HGLOBAL KmGlobalFree(HGLOBAL handle) {
     return handle;
   }
   block->magic = 0;
-  std::free(block->data);
+  ReturnStorage(block->data, block->capacity);
   std::free(block);
   --liveBlocks;
   return nullptr;

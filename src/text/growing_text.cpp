@@ -71,8 +71,8 @@ HGLOBAL AppendToBlock(HWND owner, HGLOBAL handle, const char *text) {
   if (text == nullptr) text = "";
   const size_t newLength = std::strlen(text);
   size_t oldLength = 0;
-  HGLOBAL copy = nullptr;
-  void *copyLocked = nullptr;
+  HGLOBAL room = nullptr;
+  void *roomLocked = nullptr;
   if (handle == nullptr) {
     SetKeptLastError(0);
     handle = GlobalAlloc(kTextFlags, newLength + 1);
@@ -83,19 +83,20 @@ HGLOBAL AppendToBlock(HWND owner, HGLOBAL handle, const char *text) {
       oldLength = 0;  // the old text counts as empty; the lock below fails again and ends the run
     } else {
       if (!lengthKnown) oldLength = std::strlen(old);
-      // Room for the old text is asked of the heap before the block grows, and only if it is granted does the block
-      // grow: an exhausted heap thus takes the path below where the block keeps its size. The room is never written:
-      // a resize keeps the block's contents, so the old text is still in place behind it and only the new text has to
-      // be copied. That is also why it is asked for without zero fill: neither taking nor returning it touches the
-      // bytes, and an append costs no more for a long text than for a short one.
+      // Room for a copy of the old text is asked of the heap before the block grows, and only if it is granted does
+      // the block grow: an exhausted heap thus takes the path below where the block keeps its size. The room is never
+      // written: a resize keeps the block's contents, so the old text is still in place and only the new text has to
+      // be copied behind it. So the room is asked for without zero fill, and neither taking nor returning it touches
+      // its bytes; the heap keeps a large freed storage for the next such request (platform/global_heap.cpp). An
+      // append thus costs no more for a long text than for a short one.
       SetKeptLastError(0);
-      copy = GlobalAlloc(GMEM_MOVEABLE, oldLength + 1);
-      if (copy != nullptr) copyLocked = GlobalLock(copy);
+      room = GlobalAlloc(GMEM_MOVEABLE, oldLength + 1);
+      if (room != nullptr) roomLocked = GlobalLock(room);
       GlobalUnlock(handle);
-      if (copyLocked != nullptr) handle = GlobalReAlloc(handle, oldLength + newLength + 1, kTextFlags);
+      if (roomLocked != nullptr) handle = GlobalReAlloc(handle, oldLength + newLength + 1, kTextFlags);
     }
   }
-  const bool oldKept = copyLocked != nullptr;
+  const bool oldKept = roomLocked != nullptr;
 
   char *block = nullptr;
   if (handle != nullptr) {
@@ -111,8 +112,9 @@ HGLOBAL AppendToBlock(HWND owner, HGLOBAL handle, const char *text) {
       std::memcpy(block + oldLength, text, newLength + 1);
       written = oldLength + newLength;
     } else {
-      // The block was not grown (or is new): the text is written from its start, over the old one. Cut to the block,
-      // which keeps its old size here; the warning below tells that the text is not what it should be.
+      // The block is new, or was not grown: the text is written from its start, over the old one. Deliberately cut to
+      // the block, which keeps its old size here, rather than written past its end; the warning below tells that the
+      // text is not what it should be.
       written = std::min(newLength, static_cast<size_t>(GlobalSize(handle)) - 1);
       std::memcpy(block, text, written);
       block[written] = 0;
@@ -125,9 +127,9 @@ HGLOBAL AppendToBlock(HWND owner, HGLOBAL handle, const char *text) {
     // A block that is still locked by somebody else may still be written to: its length is not worth keeping.
     if (!GlobalUnlock(handle)) RememberLength(handle, written);
   }
-  if (copy != nullptr) {
-    if (copyLocked != nullptr) GlobalUnlock(copy);
-    GlobalFree(copy);
+  if (room != nullptr) {
+    if (roomLocked != nullptr) GlobalUnlock(room);
+    GlobalFree(room);
   }
   if (handle == nullptr) FatalMemoryExit(owner, kAppendTitleId, kAccessFailedId);
   return handle;
@@ -179,7 +181,7 @@ void FatalMemoryExit(HWND owner, UINT titleId, UINT detailId) {
         std::strcat(fatalMessage, "\n");
         LoadStrings(detailId, 0);
         // Deliberately over the start of the buffer, not behind the line break: with a detail id, the detail alone is
-        // the message. Both callers pass 8060, and that one line is the message users know.
+        // the message. Both callers pass 8060, so what users see is that one line, not the general text above it.
         std::strcpy(fatalMessage, FirstSlotText());
       }
       LoadStrings(titleId, 0);
