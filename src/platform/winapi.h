@@ -10,6 +10,7 @@
 
 #ifdef _WIN32
 
+#include <io.h>
 #include <windows.h>
 #include <objbase.h>
 
@@ -89,6 +90,8 @@ typedef short SHORT;
 // Linux has no key state that a console program could ask for: no key is ever down, the buttons are not swapped.
 SHORT GetAsyncKeyState(int virtualKey);
 int GetSystemMetrics(int index);
+
+#include "platform/posix/files.h"
 
 #endif  // _WIN32
 
