@@ -1,11 +1,399 @@
-// The shortcut reader's switches. Not wired in yet.
+// The shortcut reader. A .lnk file is read through a shell link object; a .pif file (which the mask of this edition
+// never brings here) is read as a bag of strings, from which what looks like a program path is picked.
 #include "engine/shortcut_reader.h"
 
+#include <cstdio>
+#include <cstring>
+
+#include "console/console_prompt.h"
+#include "engine/shell_link_api.h"
+#include "files/exact_names.h"
+#include "files/file_operations.h"
+#include "machine/drive_inventory.h"
+#include "machine/environment_strings.h"
+#include "machine/network_paths.h"
+#include "resources/resource_strings.h"
+#include "text/growing_text.h"
+#include "text/memory_blocks.h"
+#include "text/myjctype.h"
+#include "text/path_strings.h"
+#include "text/quoted_args.h"
+#include "text/tokens.h"
+
 namespace {
+
+unsigned readMode = 0;
 int skipResolve = 0;
 int quietReader = 0;
+// Slot 0 the working folder, slot 1 the shortcut being processed; a third slot is never filled in this edition.
+HGLOBAL keptHandles[3];
+char *keptTexts[3];
+int keepRawWorkingFolder = 0;
+DWORD targetAttributes = 0;
+
+const int kNotTested = -10000;
+
+void CopyText(char *dest, const char *src) { std::snprintf(dest, kPathSize, "%s", src); }
+
+// A missing target's text: what shape it has, and whether it is set aside as the raw target.
+unsigned ClassifyMissingTarget(char *rawTarget, char *target) {
+  TrimLeadingSpace(target);
+  TrimTrailingSpace(target);
+  if (*target == 0) return 0;
+  int code = LocateTarget(target);
+  if (code == -3 || code == 0 || PathKind(target) == 1) {
+    int shape = ClassifyPathShape(target, 1);
+    if (shape == 1) return 0;
+    CopyText(rawTarget, target);
+    target[0] = 0;
+    if (code == -3) return 0xC0C;
+    if (shape == 2) return 0x804;
+    if (shape == 4) return 0x408;
+    return code == -1 ? 0x10 : 0;
+  }
+  int kind = PathKind(target);
+  unsigned result = 0;
+  if (IsUncPrefix(target)) {
+    CopyText(rawTarget, target);
+    target[0] = 0;
+    result = (kind & 4) ? 0x408 : 0x804;
+  }
+  if (kind == 2) result += 4;
+  if (kind == 4 && FindCharacter(target, '\\') != nullptr) result += 8;
+  return result;
+}
+
+// A bare target name is joined to the working folder; a target on a missing drive is reported (unless quiet) and
+// delivered as stored.
+void RepairTargetText(HWND window, const char *workingFolder, const char *rawTarget, unsigned localMode,
+                      unsigned status, char *result) {
+  if ((status & kReadTargetFile) && *result != 0 && FindCharacter(result, '\\') == nullptr) {
+    char folder[kPathSize];
+    CopyText(folder, workingFolder);
+    JoinPath(result, folder, result);
+  }
+  if (*rawTarget != 0 && (status & kReadMissingDrive)) {
+    if ((localMode & 0x22) && !quietReader) {
+      char message[2 * kPathSize];
+      LoadStrings(8292, 8290);
+      std::snprintf(message, sizeof message, FirstSlotText(), rawTarget);
+      ConsolePrompt(window, message, SecondSlotText(), 0x30);
+    }
+    CopyText(result, rawTarget);
+  }
+}
+
+// The whole of a file in a zeroed block of its size plus 2, or null (not a file, a program, unreadable).
+HGLOBAL ReadWholeFile(char *path, unsigned long long *sizeOut) {
+  *sizeOut = 0;
+  if (PathKind(path) != 2) return nullptr;
+  SHFILEINFOA info;
+  std::memset(&info, 0, sizeof info);
+  if (SHGetFileInfoA(path, 0, &info, sizeof info, SHGFI_EXETYPE) != 0) return nullptr;
+  HANDLE file = OpenPath(path, GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, OPEN_EXISTING, 0);
+  if (file == INVALID_HANDLE_VALUE) return nullptr;
+  unsigned long long size = GetFileSize64(file);
+  if (size == ~0ull || size > 0xFFFFFFFEull) {
+    CloseFileHandle(file);
+    return nullptr;
+  }
+  HGLOBAL block = GlobalAlloc(GHND, static_cast<SIZE_T>(size + 2));
+  char *bytes = block ? static_cast<char *>(GlobalLock(block)) : nullptr;
+  int read = bytes ? ReadFileBlock(file, bytes, static_cast<DWORD>(size)) : -1;
+  if (block) GlobalUnlock(block);
+  CloseFileHandle(file);
+  if (read < 0) {
+    if (block) GlobalFree(block);
+    return nullptr;
+  }
+  *sizeOut = size;
+  return block;
+}
+
+// One string of a .pif file. Result: where the scan goes on (0 ends it).
+size_t ScanPifString(const char *string, char *path, char *folder, size_t position, unsigned *status,
+                     char *arguments) {
+  char text[kPathSize];
+  CopyText(text, string);
+  TrimLeadingSpace(text);
+  TrimTrailingSpace(text);
+  if (text[0] == 0) return position - 1;
+  if (!ReplaceUnprintable(text, 0) || std::strcmp(text, "-") == 0 || std::strcmp(text, "/") == 0)
+    return position - 1;
+  if (text[0] == '-' || text[0] == '/') {
+    QuoteIfSpaced(text);
+    if (arguments != nullptr) CopyText(arguments, text);
+    return position - 1;
+  }
+  int kind = PathKind(text);
+  if (kind == 1) {
+    kind = ClassifyPathShape(text, 1);
+    if (kind == 1) {
+      *status |= 0x1C00;
+      return position - 1;
+    }
+  }
+  int code = LocateTarget(text);
+  if (code == -3) {
+    *status |= 0x1C00;
+    return 0;
+  }
+  if (code == -1 || code == 1 || code == kNotTested) QuoteIfSpaced(text);
+  if (kind == 2) {
+    *status |= kReadShapeFile | kReadTargetFile;
+    CopyText(path, text);
+  } else if (kind == 4) {
+    *status |= kReadShapeFolder | kReadTargetFolder;
+    CopyText(folder, text);
+  } else {
+    *status |= 0x1C00;
+  }
+  return position - 1;
+}
+
+// Strings of a .pif file are visited from its end to its start, so the one nearest the start has the last word.
+// Nothing of the file's structure is read.
+unsigned ReadPif(char *result, char *workingFolder, char *arguments, unsigned status) {
+  unsigned long long size = 0;
+  HGLOBAL block = ReadWholeFile(result, &size);
+  if (block == nullptr) return status;
+  if (size == 0) {
+    GlobalFree(block);
+    return status | kReadEmptyPif;
+  }
+  char *bytes = static_cast<char *>(GlobalLock(block));
+  for (size_t i = static_cast<size_t>(size); i != 0;) {
+    if (bytes[i - 1] != 0)
+      --i;
+    else
+      i = ScanPifString(bytes + i, result, workingFolder, i, &status, arguments);
+  }
+  GlobalUnlock(block);
+  GlobalFree(block);
+  return status;
+}
+
 }  // namespace
 
 void SetSkipResolve(int value) { skipResolve = value; }
 void SetQuietReader(int value) { quietReader = value; }
-void ReleaseKeptTexts(void) {}
+
+int LocateTarget(const char *path) {
+  if (!(readMode & 0x22) && IsOnRemovableMedia(path)) return (readMode & 0x40) ? kNotTested : 1;
+  char text[kPathSize];
+  CopyText(text, path);
+  char *name = text;
+  if (name[0] == '"') {
+    ++name;
+    char *close = FindCharacter(name, '"');
+    if (close != nullptr) *close = 0;
+  }
+  char found[kPathSize];
+  int result = SearchForFile(name, found, kPathSize);
+  if (result == -3) return -3;
+  return result == 0 ? 1 : 0;
+}
+
+int ClassifyPathShape(char *text, int fallback) {
+  if (!ReplaceUnprintable(text, 0)) return fallback;
+  bool rooted = (IsCharAlphaA(text[0]) && text[1] == ':' && IsSingleByteCharAt(text, text, '\\', 2)) ||
+                IsUncPrefix(text);
+  char *dot = ExtensionDot(text, nullptr);
+  if (NextSeparator(text) == nullptr) return dot != nullptr ? 2 : fallback;
+  if (!rooted) return fallback;
+  for (char *rest = text;;) {
+    dot = ExtensionDot(rest, nullptr);
+    if (dot == nullptr) return 4;
+    char *separator = NextSeparator(dot);
+    if (separator == nullptr) return 2;
+    if (NextSeparator(separator + 1) == nullptr) return 2;
+    rest = separator;
+  }
+}
+
+void SetKeptText(const char *text, int slot) {
+  if (text == nullptr || *text == 0) return;
+  HGLOBAL handle = nullptr;
+  char *copy = AcquireBlock(&handle, nullptr, kPathSize, nullptr);
+  if (copy == nullptr) return;
+  CopyText(copy, text);
+  ExpandEnvironmentNames(copy);
+  if (slot != 0 || !keepRawWorkingFolder) MakeExactPath(copy, 8, 0);
+  if (keptHandles[slot] != nullptr && keptTexts[slot] != nullptr) GlobalUnlock(keptHandles[slot]);
+  keptHandles[slot] = StoreToBlock(nullptr, keptHandles[slot], copy);
+  keptTexts[slot] = static_cast<char *>(GlobalLock(keptHandles[slot]));
+  ReleaseBlock(handle, copy);
+}
+
+const char *KeptText(int slot) { return keptTexts[slot] != nullptr ? keptTexts[slot] : ""; }
+
+void ReleaseKeptTexts(void) {
+  for (int slot = 0; slot < 3; ++slot) {
+    ReleaseBlock(keptHandles[slot], keptTexts[slot]);
+    keptHandles[slot] = nullptr;
+    keptTexts[slot] = nullptr;
+  }
+}
+
+unsigned ReadShortcut(HWND window, char *path, char *arguments, char *icon, char *description, int *showCmdOut,
+                      int *iconIndexOut, unsigned mode) {
+  HGLOBAL workHandle = nullptr, folderHandle = nullptr, rawHandle = nullptr, resultHandle = nullptr;
+  char *work = AcquireBlock(&workHandle, nullptr, kPathSize, nullptr);
+  char *workingFolder = AcquireBlock(&folderHandle, nullptr, kPathSize, nullptr);
+  char *rawTarget = AcquireBlock(&rawHandle, nullptr, kPathSize, nullptr);
+  char *resultBlock = AcquireBlock(&resultHandle, nullptr, 2 * kPathSize, nullptr);
+  unsigned status = 0;
+  targetAttributes = 0;
+  if (work == nullptr || workingFolder == nullptr || rawTarget == nullptr || resultBlock == nullptr) {
+    status = kReadNoObject;
+  } else {
+    if (arguments != nullptr) arguments[0] = 0;
+    if (icon != nullptr) icon[0] = 0;
+    if (iconIndexOut != nullptr) *iconIndexOut = 0;
+    CopyText(resultBlock, path);
+    // The shortcut's own path in its real form, for the calls below.
+    char *result = IsNetworkPath(resultBlock) ? ToRealNetworkPath(resultBlock, nullptr) : resultBlock;
+    if (showCmdOut != nullptr) *showCmdOut = 1;
+    workingFolder[0] = 0;
+    rawTarget[0] = 0;
+    readMode = mode;
+    unsigned localMode = mode;
+
+    bool repair = true;
+    char *extension = HasExtension(result);
+    char extensionText[kPathSize] = "";
+    if (extension != nullptr) CutTrailingQuote(extensionText, extension);
+    if (extension == nullptr || (lstrcmpiA(extensionText, "lnk") != 0 && lstrcmpiA(extensionText, "pif") != 0)) {
+      status = kReadNoShortcut;
+      repair = false;
+    } else if (lstrcmpiA(extensionText, "pif") == 0) {
+      status = ReadPif(result, workingFolder, arguments, status);
+      if (status & kReadEmptyPif) repair = false;
+    } else {
+      IShellLinkA *link = nullptr;
+      IPersistFile *persist = nullptr;
+      if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
+                                  reinterpret_cast<void **>(&link)))) {
+        status = kReadNoObject;
+        link = nullptr;
+      } else {
+        keepRawWorkingFolder = 0;
+        if (FAILED(link->QueryInterface(IID_IPersistFile, reinterpret_cast<void **>(&persist)))) {
+          status = kReadNoPersist;
+          persist = nullptr;
+        }
+      }
+      if (persist != nullptr) {
+        char loadPath[kPathSize];
+        CopyText(loadPath, result);
+        StripOuterQuotes(loadPath);
+        WCHAR wide[kShellPathSize];
+        if (MultiByteToWideChar(CP_ACP, 0, loadPath, -1, wide, kShellPathSize) == 0 ||
+            FAILED(persist->Load(wide, 0))) {
+          status = kReadLoadFailed;
+        } else if (!skipResolve && FAILED(link->Resolve(window, SLR_NO_UI | SLR_UPDATE))) {
+          status = kReadResolveFailed;
+        } else {
+          // The icon.
+          int ignoredIndex = 0;
+          work[0] = 0;
+          if (SUCCEEDED(link->GetIconLocation(work, kPathSize, &ignoredIndex))) {
+            if (icon != nullptr && work[0] != 0) CopyText(icon, work);
+          } else {
+            work[0] = 0;
+          }
+          if (work[0] != 0) {
+            int code = LocateTarget(work);
+            if (code == 1 || code == -1) {
+              // The index passed on is the shell's reading of the shortcut file; the stored one is dropped.
+              SHFILEINFOA info;
+              std::memset(&info, 0, sizeof info);
+              if (iconIndexOut != nullptr && SHGetFileInfoA(path, 0, &info, sizeof info, SHGFI_ICONLOCATION))
+                *iconIndexOut = info.iIcon;
+              if (mode & 0x01) {
+                localMode = 4;
+                CopyText(result, work);
+              } else {
+                localMode |= 4;
+              }
+            } else {
+              if (code == kNotTested) work[0] = 0;
+              status = kReadIconMissing;
+            }
+          }
+          // The target.
+          WIN32_FIND_DATAA found;
+          std::memset(&found, 0, sizeof found);
+          work[0] = 0;
+          if (FAILED(link->GetPath(work, kPathSize, &found, SLGP_UNCPRIORITY))) work[0] = 0;
+          if (work[0] == 0) {
+            // No target path (a special folder): the path comes back as the shortcut's own.
+            status |= kReadNoTarget;
+            result[0] = 0;
+          } else {
+            int code = LocateTarget(work);
+            if (code == 0 || code == -3 || code == kNotTested) {
+              status |= kReadTargetMissing;
+              if (code == -3) {
+                CopyText(rawTarget, work);
+                status |= kReadMissingDrive;
+              }
+              if (work[0] != 0) status |= ClassifyMissingTarget(rawTarget, work);
+            } else {
+              targetAttributes = found.dwFileAttributes;
+              if (targetAttributes & FILE_ATTRIBUTE_DIRECTORY)
+                status |= kReadTargetFolder;
+              else if (targetAttributes != 0)
+                status |= kReadTargetFile;
+              else
+                status |= kReadZeroAttributes;
+            }
+            if (localMode != 4 && work[0] != 0) CopyText(result, work);
+            // A shortcut without an icon location gets its target as its icon, and is written back so.
+            if (icon != nullptr && icon[0] == 0 && work[0] != 0) {
+              CopyText(icon, work);
+              if (status & kReadTargetMissing) status |= kReadIconMissing;
+            }
+            if (localMode == 4) {
+              repair = false;
+            } else {
+              if (arguments != nullptr && FAILED(link->GetArguments(arguments, kPathSize))) arguments[0] = 0;
+              if (FAILED(link->GetWorkingDirectory(workingFolder, kPathSize))) {
+                workingFolder[0] = 0;
+                if (mode & 0x01) keepRawWorkingFolder = 1;
+              }
+              if (workingFolder[0] != 0) {
+                int folderCode = LocateTarget(workingFolder);
+                if (folderCode == -3 || folderCode == 0) {
+                  status |= kReadFolderMissing;
+                  keepRawWorkingFolder = 1;
+                } else if (folderCode == kNotTested || (mode & 0x01)) {
+                  keepRawWorkingFolder = 1;
+                }
+              }
+              // An empty working folder leaves slot 0 with what the processing put there before the read.
+              SetKeptText(workingFolder, 0);
+              work[0] = 0;
+              if (FAILED(link->GetDescription(work, kPathSize))) work[0] = 0;
+              if (description != nullptr && work[0] != 0) CopyText(description, work);
+              int show = 1;
+              HRESULT shown = link->GetShowCmd(&show);
+              if (showCmdOut != nullptr) *showCmdOut = SUCCEEDED(shown) ? show : 1;
+            }
+          }
+        }
+      }
+      if (persist != nullptr) persist->Release();
+      if (link != nullptr) link->Release();
+    }
+    if (repair && !(localMode & 0x08) && status > 0)
+      RepairTargetText(window, workingFolder, rawTarget, localMode, status, result);
+    if (result[0] != 0) CopyText(path, result);
+  }
+  ReleaseBlock(workHandle, work);
+  ReleaseBlock(folderHandle, workingFolder);
+  ReleaseBlock(rawHandle, rawTarget);
+  ReleaseBlock(resultHandle, resultBlock);
+  keepRawWorkingFolder = 0;
+  return status;
+}

@@ -7,3 +7,5 @@ int DriveLettersOfKinds(char *buffer, unsigned) {
 }
 
 void ReleaseDriveTable(void) {}
+
+int IsOnRemovableMedia(const char *) { return 0; }

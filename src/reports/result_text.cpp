@@ -4,3 +4,6 @@
 void ReleaseResultText(void) {}
 void DeleteResultFile(const char *) {}
 int HasReportFolder(void) { return 0; }
+void AddResultEntry(HWND, const char *, const char *, const char *, unsigned, int) {}
+void SetResultBaseFolder(const char *) {}
+void SetResultTargetCheck(int) {}

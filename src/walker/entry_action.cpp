@@ -148,7 +148,7 @@ int ActOnEntry(HWND owner, int action, FindRecord record) {
         std::snprintf(g_walk.LineBuffer, kPathSize, "%s", g_walk.EntryBuffer);
         unsigned mode = ((g_walk.WalkFlags & kWalkDryRun) | 8) * 8;
         g_walk.WalkStatus = ReplaceInShortcut(owner, g_walk.LineBuffer, mode, nullptr);
-        if (!IsShortcutChanged()) {
+        if (!CurrentShortcutChanges()) {
           g_walk.LineBuffer[0] = 0;
         } else {
           char mark = kMarkDone;

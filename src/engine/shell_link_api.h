@@ -1,0 +1,14 @@
+// The shell link objects as the shortcut engine uses them: Windows' own on Windows, ours over the .lnk codec on
+// Linux (declared by the platform header there).
+#pragma once
+
+#include "platform/winapi.h"
+
+#ifdef _WIN32
+#include <shellapi.h>
+#include <shlobj.h>
+#include <shlguid.h>
+#endif
+
+// Texts exchanged with a shell link object: 520 bytes, or as many wide characters for a path.
+enum { kShellPathSize = 520 };
