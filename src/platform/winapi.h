@@ -10,7 +10,10 @@
 
 #ifdef _WIN32
 
+#include <io.h>
 #include <windows.h>
+// SHGetFileInfoA, which the lean Windows headers leave out.
+#include <shellapi.h>
 
 #else  // the Linux backend
 
