@@ -13,6 +13,8 @@
 #include <io.h>
 #include <windows.h>
 #include <objbase.h>
+// SHGetFileInfoA, which the lean Windows headers leave out.
+#include <shellapi.h>
 
 #else  // the Linux backend
 
