@@ -6,8 +6,8 @@
 
 #ifdef _WIN32
 #include <shellapi.h>
-#include <shlobj.h>
 #include <shlguid.h>
+#include <shlobj.h>
 #endif
 
 // Texts exchanged with a shell link object: 520 bytes, or as many wide characters for a path.

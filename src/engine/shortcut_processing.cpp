@@ -129,8 +129,7 @@ unsigned ProcessShortcut(HWND window, const char *path, unsigned flags, const ch
       SetResultBaseFolder("");
       if (arguments[0] != 0 && GetIncludeArguments()) {
         SetResultTargetCheck(1);
-        if (!ReportFieldReplace(window, arguments, kFieldArguments, flags))
-          pending[2] = {kFieldArguments, arguments};
+        if (!ReportFieldReplace(window, arguments, kFieldArguments, flags)) pending[2] = {kFieldArguments, arguments};
         SetResultTargetCheck(0);
       }
       if (workingFolder[0] != 0 && !ReportFieldReplace(window, workingFolder, kFieldFolder, flags))
@@ -144,8 +143,7 @@ unsigned ProcessShortcut(HWND window, const char *path, unsigned flags, const ch
         }
         // A failed write shows nowhere: the rows say the shortcut was changed in any case.
         if (!(flags & kProcessSimulate))
-          WriteShortcut(window, KeptText(1), target, arguments, workingFolder, icon, description, showCmd,
-                        iconIndex);
+          WriteShortcut(window, KeptText(1), target, arguments, workingFolder, icon, description, showCmd, iconIndex);
       }
     }
   }

@@ -111,15 +111,13 @@ HGLOBAL ReadWholeFile(char *path, unsigned long long *sizeOut) {
 }
 
 // One string of a .pif file. Result: where the scan goes on (0 ends it).
-size_t ScanPifString(const char *string, char *path, char *folder, size_t position, unsigned *status,
-                     char *arguments) {
+size_t ScanPifString(const char *string, char *path, char *folder, size_t position, unsigned *status, char *arguments) {
   char text[kPathSize];
   CopyText(text, string);
   TrimLeadingSpace(text);
   TrimTrailingSpace(text);
   if (text[0] == 0) return position - 1;
-  if (!ReplaceUnprintable(text, 0) || std::strcmp(text, "-") == 0 || std::strcmp(text, "/") == 0)
-    return position - 1;
+  if (!ReplaceUnprintable(text, 0) || std::strcmp(text, "-") == 0 || std::strcmp(text, "/") == 0) return position - 1;
   if (text[0] == '-' || text[0] == '/') {
     QuoteIfSpaced(text);
     if (arguments != nullptr) CopyText(arguments, text);
@@ -196,8 +194,8 @@ int LocateTarget(const char *path) {
 
 int ClassifyPathShape(char *text, int fallback) {
   if (!ReplaceUnprintable(text, 0)) return fallback;
-  bool rooted = (IsCharAlphaA(text[0]) && text[1] == ':' && IsSingleByteCharAt(text, text, '\\', 2)) ||
-                IsUncPrefix(text);
+  bool rooted =
+      (IsCharAlphaA(text[0]) && text[1] == ':' && IsSingleByteCharAt(text, text, '\\', 2)) || IsUncPrefix(text);
   char *dot = ExtensionDot(text, nullptr);
   if (NextSeparator(text) == nullptr) return dot != nullptr ? 2 : fallback;
   if (!rooted) return fallback;
@@ -288,8 +286,7 @@ unsigned ReadShortcut(HWND window, char *path, char *arguments, char *icon, char
         CopyText(loadPath, result);
         StripOuterQuotes(loadPath);
         WCHAR wide[kShellPathSize];
-        if (MultiByteToWideChar(CP_ACP, 0, loadPath, -1, wide, kShellPathSize) == 0 ||
-            FAILED(persist->Load(wide, 0))) {
+        if (MultiByteToWideChar(CP_ACP, 0, loadPath, -1, wide, kShellPathSize) == 0 || FAILED(persist->Load(wide, 0))) {
           status = kReadLoadFailed;
         } else if (!skipResolve && FAILED(link->Resolve(window, SLR_NO_UI | SLR_UPDATE))) {
           status = kReadResolveFailed;

@@ -12,8 +12,7 @@ int HasReportFolder(void);
 
 // Adds rows for one entry to the result text: `line` (a field name, or null), `text` (the old text or the entry's
 // path), `match` (the new text), and `headingId`, the heading that opens the text if it has none yet.
-void AddResultEntry(HWND window, const char *line, const char *text, const char *match, unsigned headingId,
-                    int flags);
+void AddResultEntry(HWND window, const char *line, const char *text, const char *match, unsigned headingId, int flags);
 // The folder against which relative targets of the next rows are checked; empty for none.
 void SetResultBaseFolder(const char *folder);
 // 1: the next rows' texts are checked as targets.

@@ -54,11 +54,11 @@ bool FileTimeBefore(const FILETIME &a, const FILETIME &b) {
 }
 
 // One delete or move. The move mode has no destination in this edition, so a move is never done.
-int DoEntryOperation(const char *path, int action) {
+int DoEntryOperation(char *path, int action) {
   if (action == 5 || action == 9) {
-    DWORD attributes = GetFileAttributesA(path);
-    bool folder = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY);
-    int failed = folder ? (RemoveDirectoryA(path) ? 0 : 1) : DeleteFilePath(path);
+    DWORD attributes = 0;
+    bool folder = GetPathAttributes(path, &attributes) == 0 && (attributes & FILE_ATTRIBUTE_DIRECTORY);
+    int failed = folder ? RemoveFolderPath(path) : DeleteFilePath(path);
     return failed ? kWalkSkipped : 0;
   }
   return AddOutcome(kWalkSkipped, kWalkNotDone);
@@ -66,7 +66,7 @@ int DoEntryOperation(const char *path, int action) {
 
 }  // namespace
 
-int RunEntryOperation(HWND, const char *path, unsigned, int action) {
+int RunEntryOperation(HWND, char *path, unsigned, int action) {
   int code;
   do {
     code = DoEntryOperation(path, action);
@@ -76,7 +76,7 @@ int RunEntryOperation(HWND, const char *path, unsigned, int action) {
   return kMarkDone;
 }
 
-int RemoveFolderEntry(const char *path) { return RunEntryOperation(nullptr, path, 0, 9); }
+int RemoveFolderEntry(char *path) { return RunEntryOperation(nullptr, path, 0, 9); }
 
 int AcceptEntry(FindRecord record) {
   DWORD attributes = record.dwFileAttributes;

@@ -8,7 +8,6 @@
 
 #include "console/console_prompt.h"
 #include "files/directory_search.h"
-#include "files/file_operations.h"
 #include "files/folder_checks.h"
 #include "machine/network_listing.h"
 #include "machine/network_paths.h"

@@ -7,8 +7,8 @@
 
 #include "console/console_prompt.h"
 #include "console/control_store.h"
-#include "files/file_operations.h"
 #include "files/folder_checks.h"
+#include "files/working_folders.h"
 #include "reports/error_reporter.h"
 #include "text/growing_text.h"
 #include "text/memory_blocks.h"
@@ -135,8 +135,11 @@ int ScanFolderTree(HWND owner, int *stopOut, unsigned flags, unsigned *countInOu
     }
     g_walk.LineBuffer = AcquireBlock(&g_walk.lineHandle, nullptr, kPathSize, nullptr);
     result = ScanFolder(owner);
-    if (leaveTo != nullptr && (g_walk.WalkFlags & kWalkChangedFolder) && FolderExists(leaveTo))
-      ChangeToFolder(leaveTo, 0);
+    if (leaveTo != nullptr && (g_walk.WalkFlags & kWalkChangedFolder) && FolderExists(leaveTo)) {
+      char folderCopy[kPathSize];
+      std::snprintf(folderCopy, sizeof folderCopy, "%s", leaveTo);
+      ChangeToFolder(folderCopy, 0);
+    }
   }
   g_walk.OwnerDC = nullptr;
   // The display fields act on one walk only: a later walk without a new PrepareWalk prints nothing.

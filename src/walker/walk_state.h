@@ -71,5 +71,5 @@ int AcceptEntry(FindRecord record);
 
 // The delete-or-move operation of those modes on one entry (or, with code 9, the finished folder itself). Result: a
 // mark character: '-' done, '?' the walk is to abort, 'E' not done.
-int RunEntryOperation(HWND owner, const char *path, unsigned index, int action);
-int RemoveFolderEntry(const char *path);
+int RunEntryOperation(HWND owner, char *path, unsigned index, int action);
+int RemoveFolderEntry(char *path);
