@@ -89,6 +89,9 @@ typedef short SHORT;
 SHORT GetAsyncKeyState(int virtualKey);
 int GetSystemMetrics(int index);
 
+// Shell link objects (IShellLinkA, IPersistFile), COM creation, code page conversion, and the types they use.
+#include "platform/posix/shell_link.h"
+
 #endif  // _WIN32
 
 // ---- Ours on both platforms ----------------------------------------------------------------------------------------
