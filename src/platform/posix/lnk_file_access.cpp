@@ -53,6 +53,12 @@ void SplitLinuxPath(const std::string &path, std::string *folder, std::string *n
   *name = path.substr(slash + 1);
 }
 
+// Windows' read-only attribute belongs to the file, and holds for an administrator too: a file that nobody may write
+// counts as read-only even for root, as does one that this process may not write.
+bool IsReadOnly(const std::string &linuxPath, const struct stat &info) {
+  return (info.st_mode & 0222) == 0 || access(linuxPath.c_str(), W_OK) != 0;
+}
+
 bool WriteAll(int fd, const std::vector<uint8_t> &bytes) {
   size_t done = 0;
   while (done < bytes.size()) {
@@ -74,7 +80,7 @@ FileFacts QueryFileFacts(const std::string &drivePath) {
   facts.exists = true;
   facts.isFolder = S_ISDIR(info.st_mode);
   facts.attributes = facts.isFolder ? 0x10 : 0x20;
-  if (access(linuxPath.c_str(), W_OK) != 0) facts.attributes |= 0x01;
+  if (!facts.isFolder && IsReadOnly(linuxPath, info)) facts.attributes |= 0x01;
   std::string folder, name;
   SplitLinuxPath(linuxPath, &folder, &name);
   if (!name.empty() && name[0] == '.') facts.attributes |= 0x02;
@@ -138,7 +144,7 @@ uint32_t ReplaceShortcutFile(const std::string &drivePath, const std::vector<uin
   struct stat old;
   if (stat(linuxPath.c_str(), &old) == 0) {
     // Windows opens the old file for writing, which a read-only file or a folder refuses; a rename would not.
-    if (S_ISDIR(old.st_mode) || access(linuxPath.c_str(), W_OK) != 0) return ERROR_ACCESS_DENIED;
+    if (S_ISDIR(old.st_mode) || IsReadOnly(linuxPath, old)) return ERROR_ACCESS_DENIED;
     mode = old.st_mode & 07777;
   } else {
     mode_t mask = umask(0);

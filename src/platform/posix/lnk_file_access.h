@@ -11,7 +11,9 @@
 struct FileFacts {
   bool exists = false;
   bool isFolder = false;
-  uint32_t attributes = 0;  // 0x10 folder, 0x20 file, 0x01 not writable, 0x02 name starting with a dot
+  // 0x10 folder, 0x20 file, 0x01 a read-only file (no write permission for anyone, or none for this process), 0x02 a
+  // name that starts with a dot.
+  uint32_t attributes = 0;
   uint64_t size = 0;
   uint64_t creationTime = 0, accessTime = 0, writeTime = 0;  // FILETIME (UTC)
 };
@@ -25,8 +27,8 @@ FileFacts QueryFileFacts(const std::string &drivePath);
 uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vector<uint8_t> *bytes);
 
 // Puts `bytes` in place of the file at `drivePath`: written to a new file in the same folder, flushed, then renamed
-// over the old one, so that the old file stays whole if anything fails. A file that is not writable, or a folder, is
-// refused as Windows refuses to open it for writing. The new file keeps the old one's permissions. Result:
+// over the old one, so that the old file stays whole if anything fails. A read-only file (see FileFacts), or a folder,
+// is refused as Windows refuses to open it for writing. The new file keeps the old one's permissions. Result:
 // ERROR_SUCCESS, ERROR_PATH_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_DISK_FULL or ERROR_WRITE_FAULT.
 uint32_t ReplaceShortcutFile(const std::string &drivePath, const std::vector<uint8_t> &bytes);
 

@@ -220,6 +220,7 @@ class ShellLink final : public IShellLinkA, public IPersistFile {
     const std::u16string &text = record_.strings.iconLocation;
     record_.extra.hasIconEnvironment = text.find(u'%') != std::u16string::npos;
     record_.extra.iconEnvironmentTarget = record_.extra.hasIconEnvironment ? text : std::u16string();
+    SetFlag(kLinkHasExpIcon, record_.extra.hasIconEnvironment);
     return S_OK;
   }
 
@@ -250,8 +251,6 @@ class ShellLink final : public IShellLinkA, public IPersistFile {
     r.extra.hasSpecialFolder = false;
     r.header.linkFlags &= ~kLinkForceNoLinkInfo;
     SetFileTimes(&r.header, FileFacts());
-    if (text.empty()) return S_OK;
-
     std::u16string path = text;
     if (text.find(u'%') != std::u16string::npos) {
       r.extra.hasEnvironment = true;
@@ -283,10 +282,11 @@ class ShellLink final : public IShellLinkA, public IPersistFile {
       r.linkInfo.networkProviderType = kNetworkProviderLanman;
       r.linkInfo.netName = path.substr(0, share);
       if (share != std::u16string::npos) r.linkInfo.commonPathSuffix = path.substr(share + 1);
-    } else if (!r.extra.hasEnvironment) {
+    } else if (!r.extra.hasEnvironment && !text.empty()) {
       r.extra.hasEnvironment = true;
       r.extra.environmentTarget = text;
     }
+    SetFlag(kLinkHasExpString, r.extra.hasEnvironment);
     return S_OK;
   }
 
@@ -348,6 +348,14 @@ class ShellLink final : public IShellLinkA, public IPersistFile {
     *field = wide;
     dirty_ = true;
     return S_OK;
+  }
+
+  // The record's flags stay true to its contents, for the Get calls before a save.
+  void SetFlag(uint32_t flag, bool on) {
+    if (on)
+      record_.header.linkFlags |= flag;
+    else
+      record_.header.linkFlags &= ~flag;
   }
 
   static PathItemFacts ItemFacts(const FileFacts &facts) {
