@@ -7,6 +7,24 @@ namespace {
 
 const char16_t kReplacement = 0xFFFD;
 
+// Windows' code page 932 gives the single bytes that Shift-JIS leaves undefined characters of their own, so that
+// every byte survives a round trip through UTF-16: 0x80 is U+0080, 0xA0 U+F8F0, 0xFD to 0xFF U+F8F1 to U+F8F3.
+// iconv knows the rest of the code page (user-defined characters included) but not these.
+char16_t SingleByteExtra(unsigned char c) {
+  switch (c) {
+    case 0x80:
+      return 0x0080;
+    case 0xA0:
+      return 0xF8F0;
+    case 0xFD:
+    case 0xFE:
+    case 0xFF:
+      return static_cast<char16_t>(0xF8F1 + (c - 0xFD));
+    default:
+      return 0;
+  }
+}
+
 void AppendUtf8(std::string *out, char32_t c) {
   if (c < 0x80) {
     out->push_back(static_cast<char>(c));
@@ -85,9 +103,40 @@ std::string Utf8FromUtf16(const std::u16string &text) {
   return out;
 }
 
-std::u16string Utf16FromCp932(const std::string &text) { return Utf16FromUtf8(Cp932ToUtf8(text)); }
+std::u16string Utf16FromCp932(const std::string &text) {
+  std::u16string out;
+  size_t run = 0;  // start of the bytes not yet converted
+  size_t i = 0;
+  while (i < text.size()) {
+    unsigned char c = static_cast<unsigned char>(text[i]);
+    bool lead = (c >= 0x81 && c <= 0x9F) || (c >= 0xE0 && c <= 0xFC);
+    char16_t extra = lead ? 0 : SingleByteExtra(c);
+    if (extra == 0) {
+      i += lead && i + 1 < text.size() ? 2 : 1;
+      continue;
+    }
+    out += Utf16FromUtf8(Cp932ToUtf8(text.substr(run, i - run)));
+    out.push_back(extra);
+    run = ++i;
+  }
+  out += Utf16FromUtf8(Cp932ToUtf8(text.substr(run)));
+  return out;
+}
 
-std::string Cp932FromUtf16(const std::u16string &text) { return Utf8ToCp932(Utf8FromUtf16(text)); }
+std::string Cp932FromUtf16(const std::u16string &text) {
+  std::string out;
+  size_t run = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    char16_t c = text[i];
+    int byte = c == 0x0080 ? 0x80 : c == 0xF8F0 ? 0xA0 : (c >= 0xF8F1 && c <= 0xF8F3) ? 0xFD + (c - 0xF8F1) : -1;
+    if (byte < 0) continue;
+    out += Utf8ToCp932(Utf8FromUtf16(text.substr(run, i - run)));
+    out.push_back(static_cast<char>(byte));
+    run = i + 1;
+  }
+  out += Utf8ToCp932(Utf8FromUtf16(text.substr(run)));
+  return out;
+}
 
 bool Cp932Holds(const std::u16string &text) {
   if (IsAscii(text)) return true;

@@ -30,6 +30,41 @@ std::vector<uint8_t> Bytes(const uint8_t (&bytes)[N]) {
   return std::vector<uint8_t>(bytes, bytes + N);
 }
 
+// ---- Text ----
+
+TEST(LnkText, ShiftJisRoundTripsAsOnWindows) {
+  struct Row {
+    const char *what;
+    std::string cp932;
+    std::u16string utf16;
+    std::string back;  // when it differs from cp932
+  } rows[] = {
+      {"ASCII and a trail byte 0x5C", "a\x95\x5C\\b", u"a表\\b", ""},
+      {"half-width katakana", "\xB6\xC5", u"ｶﾅ", ""},
+      // A character with an NEC-selected and an IBM code comes back as the IBM one, as Windows writes it.
+      {"NEC and IBM extensions", "\x87\x40\xED\xA3", u"①惞", "\x87\x40\xFA\xBF"},
+      {"a user-defined character", "\xF7\xD5", u"\uE5B8", ""},
+      {"bytes Shift-JIS leaves undefined", "\x80\xA0\xFD\xFE\xFF\\", u"\u0080\uF8F0\uF8F1\uF8F2\uF8F3\\", ""},
+  };
+  for (const Row &row : rows) {
+    EXPECT_EQ(Utf16FromCp932(row.cp932), row.utf16) << row.what;
+    EXPECT_EQ(Cp932FromUtf16(row.utf16), row.back.empty() ? row.cp932 : row.back) << row.what;
+    EXPECT_TRUE(Cp932Holds(row.utf16)) << row.what;
+  }
+  EXPECT_EQ(Cp932FromUtf16(u"\u00E9\U0001F370x"), "??x");  // no CP932 for them, and no best fit
+  EXPECT_FALSE(Cp932Holds(u"\u00E9"));
+  EXPECT_EQ(Utf16FromCp932("\xEB\xD4x"), u"?x");  // an unassigned double-byte code is one character
+  EXPECT_EQ(Cp932Prefix("\x95\x5C\x95\x5Cx", 3), "\x95\x5C");
+  EXPECT_EQ(Cp932Prefix("ab\x95", 3), "ab\x95");  // a lead byte at the very end stands alone
+}
+
+TEST(LnkText, Utf8AndUtf16) {
+  EXPECT_EQ(Utf16FromUtf8(u8"表\U0001F370"), u"表\U0001F370");
+  EXPECT_EQ(Utf8FromUtf16(u"表\U0001F370"), u8"表\U0001F370");
+  EXPECT_EQ(Utf16FromUtf8("\xC0\x80x\xE8\xA1"), u"\uFFFD\uFFFDx\uFFFD\uFFFD");  // overlong, then cut short
+  EXPECT_EQ(Utf8FromUtf16(std::u16string(1, 0xD800) + u"x"), "\xEF\xBF\xBDx");  // a lone surrogate
+}
+
 // ---- Header ----
 
 TEST(LnkHeader, ReadsTheFormatDocumentsExample) {

@@ -272,9 +272,12 @@ TEST_F(ShellLinkTest, TheHeaderDescribesTheTarget) {
     DWORD attributes;
     DWORD size;
   } rows[] = {
-      {"T:\\file.txt", 0x20, 10},  {"T:\\dir", 0x10, 0},      {"T:\\.hidden", 0x22, 0},
-      {"T:\\locked.txt", 0x21, 0}, {"T:\\missing.txt", 0, 0},  // as Windows: a target that is not there leaves the
-                                                               // header empty
+      {"T:\\file.txt", 0x20, 10},
+      {"T:\\dir", 0x10, 0},
+      {"T:\\.hidden", 0x22, 0},
+      {"T:\\locked.txt", 0x21, 0},
+      {"T:\\missing.txt", 0, 0},  // as Windows: a target that is not there leaves the
+                                  // header empty
       {"Q:\\unmapped.txt", 0, 0},
   };
   for (const Row &row : rows) {
