@@ -4,8 +4,8 @@
 //
 //   lnk_tool read FILE...   one line per shortcut: tab-separated key=value fields, texts as the A interface gives
 //                            them (Shift-JIS under a Japanese code page), control bytes and ^ written as ^XX
-//   lnk_tool write SPEC     SPEC holds key=value lines (file, target, args, workdir, icon, index, desc, show), the
-//                            same escapes; writes the shortcut as the engine's writer does
+//   lnk_tool write FIELDS   FIELDS: a file of key=value lines (file, target, args, workdir, icon, index, desc, show)
+//                            with the same escapes; writes the shortcut as the engine's writer does
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -113,14 +113,14 @@ void ReadOne(const char *file) {
 }
 
 // The writer's order of calls: icon, path, arguments, description, working folder, show command, save.
-int WriteOne(const char *specFile) {
-  FILE *spec = std::fopen(specFile, "rb");
-  if (spec == nullptr) return 2;
+int WriteOne(const char *fieldsFile) {
+  FILE *fields = std::fopen(fieldsFile, "rb");
+  if (fields == nullptr) return 2;
   std::string file, target, args, workdir, icon, desc;
   int index = 0, show = 0;
   bool hasArgs = false, hasWorkdir = false, hasDesc = false;
   char line[4096];
-  while (std::fgets(line, sizeof line, spec) != nullptr) {
+  while (std::fgets(line, sizeof line, fields) != nullptr) {
     std::string text = line;
     while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
     size_t equals = text.find('=');
@@ -135,7 +135,7 @@ int WriteOne(const char *specFile) {
     if (key == "index") index = std::atoi(value.c_str());
     if (key == "show") show = std::atoi(value.c_str());
   }
-  std::fclose(spec);
+  std::fclose(fields);
   IShellLinkA *link;
   IPersistFile *persist;
   if (!Open(&link, &persist)) return 3;
@@ -158,7 +158,7 @@ int WriteOne(const char *specFile) {
 
 int main(int argc, char **argv) {
   if (argc < 3) {
-    std::fprintf(stderr, "usage: lnk_tool read FILE... | lnk_tool write SPEC...\n");
+    std::fprintf(stderr, "usage: lnk_tool read FILE... | lnk_tool write FIELDS...\n");
     return 2;
   }
   CoInitialize(nullptr);

@@ -113,16 +113,16 @@ def main():
                          show='1'),
     }
 
-    specs = []
+    orders = []
     for writer in ('wine', 'ours'):
         for name, case in cases.items():
-            spec = os.path.join(work, '%s_%s.spec' % (writer, name))
+            fields_file = os.path.join(work, '%s_%s.fields' % (writer, name))
             lines = [b'file=' + escape(cp932(drive_path(os.path.join(work, '%s_%s.lnk' % (writer, name)))))]
             for key, value in case.items():
                 lines.append(key.encode() + b'=' + escape(cp932(value)))
-            with open(spec, 'wb') as f:
+            with open(fields_file, 'wb') as f:
                 f.write(b'\n'.join(lines) + b'\n')
-            specs.append((writer, spec))
+            orders.append((writer, fields_file))
 
     def run(writer, command, files):
         if writer == 'wine':
@@ -139,7 +139,7 @@ def main():
         return result.stdout
 
     for writer in ('wine', 'ours'):
-        run(writer, 'write', [spec for w, spec in specs if w == writer])
+        run(writer, 'write', [f for w, f in orders if w == writer])
     links = [drive_path(os.path.join(work, '%s_%s.lnk' % (w, n))) for w in ('wine', 'ours') for n in cases]
     read_by = {reader: parse_lines(run(reader, 'read', links)) for reader in ('wine', 'ours')}
 

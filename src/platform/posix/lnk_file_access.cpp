@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "platform/posix/charset.h"
@@ -137,6 +138,15 @@ uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vecto
 uint32_t ReplaceShortcutFile(const std::string &drivePath, const std::vector<uint8_t> &bytes) {
   std::string linuxPath;
   if (!DrivePathToLinuxPath(drivePath, &linuxPath)) return ERROR_PATH_NOT_FOUND;
+  // A shortcut that is a symbolic link stays one: the file it points to is the one replaced.
+  struct stat link;
+  if (lstat(linuxPath.c_str(), &link) == 0 && S_ISLNK(link.st_mode)) {
+    char *resolved = realpath(linuxPath.c_str(), nullptr);
+    if (resolved != nullptr) {
+      linuxPath = resolved;
+      free(resolved);
+    }
+  }
   std::string folder, name;
   SplitLinuxPath(linuxPath, &folder, &name);
   if (name.empty()) return ERROR_PATH_NOT_FOUND;

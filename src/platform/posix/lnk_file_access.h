@@ -28,7 +28,8 @@ uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vecto
 
 // Puts `bytes` in place of the file at `drivePath`: written to a new file in the same folder, flushed, then renamed
 // over the old one, so that the old file stays whole if anything fails. A read-only file (see FileFacts), or a folder,
-// is refused as Windows refuses to open it for writing. The new file keeps the old one's permissions. Result:
+// is refused as Windows refuses to open it for writing. The new file keeps the old one's permissions; a symbolic link
+// stays in place and the file it names is replaced (a second hard link keeps the old contents). Result:
 // ERROR_SUCCESS, ERROR_PATH_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_DISK_FULL or ERROR_WRITE_FAULT.
 uint32_t ReplaceShortcutFile(const std::string &drivePath, const std::vector<uint8_t> &bytes);
 

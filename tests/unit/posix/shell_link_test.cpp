@@ -401,6 +401,13 @@ TEST_F(ShellLinkTest, SaveReplacesTheOldFileWhole) {
   ASSERT_EQ(stat(Linux("link.lnk").c_str(), &info), 0);
   EXPECT_EQ(info.st_mode & 07777, 0640u);
   EXPECT_EQ(std::vector<std::string>({"link.lnk"}), Names());
+  // A shortcut that is a symbolic link stays one.
+  ASSERT_EQ(symlink("link.lnk", Linux("alias.lnk").c_str()), 0);
+  ASSERT_EQ(link_->SetDescription("through the alias"), S_OK);
+  ASSERT_EQ(persist_->Save(L"T:\\alias.lnk", TRUE), S_OK);
+  EXPECT_TRUE(fs::is_symlink(Linux("alias.lnk")));
+  EXPECT_EQ(ReadBytes(Linux("alias.lnk")), ReadBytes(Linux("link.lnk")));
+  EXPECT_EQ(std::vector<std::string>({"alias.lnk", "link.lnk"}), Names());
   // Save without a name goes to the file last saved or loaded.
   ASSERT_EQ(link_->SetArguments("-again"), S_OK);
   ASSERT_EQ(persist_->Save(nullptr, TRUE), S_OK);
