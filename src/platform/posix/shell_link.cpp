@@ -136,6 +136,8 @@ class ShellLink final : public IShellLinkA, public IPersistFile {
   }
 
   // ---- IShellLinkA ----
+  // The target in the order of SelectTargetPath (lnk_codec.h); SLGP_SHORTPATH gives the long path, as Linux has no
+  // 8.3 names. The find record comes from the header, as Windows fills it, and the target's last name.
   HRESULT STDMETHODCALLTYPE GetPath(LPSTR file, int size, WIN32_FIND_DATAA *findData, DWORD flags) override {
     std::u16string path =
         SelectTargetPath(record_, (flags & SLGP_UNCPRIORITY) != 0, (flags & SLGP_RAWPATH) != 0, ProcessEnvironment);
@@ -255,7 +257,8 @@ class ShellLink final : public IShellLinkA, public IPersistFile {
     if (text.find(u'%') != std::u16string::npos) {
       r.extra.hasEnvironment = true;
       r.extra.environmentTarget = text;
-      if (!ExpandEnvironmentText(text, ProcessEnvironment, &path)) path.clear();
+      // The expansion is written only when it is complete and as short as Windows reads a path.
+      if (!ExpandEnvironmentText(text, ProcessEnvironment, &path) || path.size() > kLongestPath) path.clear();
     }
     if (IsDrivePath(path)) {
       // One entry of facts per name, in the order BuildIdListForPath takes the names.

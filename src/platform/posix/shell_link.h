@@ -121,13 +121,18 @@ typedef const ITEMIDLIST *PCIDLIST_ABSOLUTE;
 
 // The methods in Windows' order. Texts are Shift-JIS here and UTF-16 in the file.
 struct IShellLinkA : public IUnknown {
-  // The target: see the implementation for the order in which the file's records are asked. S_FALSE and an empty
-  // text when the shortcut names no file-system target. `findData`, if given, is cleared and then filled from the
-  // header (attributes, times, size) and the target's file name.
+  // The target, in Shift-JIS, cut to `size` bytes without splitting a character: with SLGP_UNCPRIORITY the share
+  // form first, with SLGP_RAWPATH environment names unexpanded (the order of the records asked is SelectTargetPath's
+  // in lnk_codec.h). S_FALSE and an empty text when the shortcut names no file-system target; E_INVALIDARG without a
+  // buffer. `findData`, if given, is cleared and then filled from the header (attributes, times, size) and the
+  // target's file name.
   virtual HRESULT STDMETHODCALLTYPE GetPath(LPSTR file, int size, WIN32_FIND_DATAA *findData, DWORD flags) = 0;
   // Not available on Linux: E_NOTIMPL.
   virtual HRESULT STDMETHODCALLTYPE GetIDList(PIDLIST_ABSOLUTE *list) = 0;
   virtual HRESULT STDMETHODCALLTYPE SetIDList(PCIDLIST_ABSOLUTE list) = 0;
+  // The Get calls for texts copy as GetPath does and give S_OK, an absent text being empty; E_INVALIDARG without a
+  // buffer. The Set calls give S_OK, or E_INVALIDARG for null or for a text longer than Windows reads it (path,
+  // working folder, icon: 259 characters; description: 1023; arguments: 65535), which also makes Save refuse.
   virtual HRESULT STDMETHODCALLTYPE GetDescription(LPSTR name, int size) = 0;
   virtual HRESULT STDMETHODCALLTYPE SetDescription(LPCSTR name) = 0;
   virtual HRESULT STDMETHODCALLTYPE GetWorkingDirectory(LPSTR folder, int size) = 0;
