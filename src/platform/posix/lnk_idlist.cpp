@@ -246,12 +246,12 @@ bool BuildIdListForPath(const std::u16string &path, const std::vector<PathItemFa
     uint32_t attributes = fact.exists ? fact.attributes : (folder ? 0x10u : 0u);
     bool ansi = Cp932Holds(names[i]);
     size_t item = out.size();
-    PutU16(&out, 0);  // the size, patched below
-    PutU8(&out, static_cast<uint8_t>(0x30 | (folder ? kEntryFolder : kEntryFile) | (ansi ? 0 : kEntryUnicodeName)));
-    PutU8(&out, 0);
-    PutU32(&out, folder ? 0 : fact.size);
-    PutU32(&out, fact.dosWriteTime);
-    PutU16(&out, static_cast<uint16_t>(attributes));
+    out.resize(item + kEntryName, 0);  // the fixed part; its size is patched in when the item is complete
+    out[item + kItemType] =
+        static_cast<uint8_t>(0x30 | (folder ? kEntryFolder : kEntryFile) | (ansi ? 0 : kEntryUnicodeName));
+    PatchU32(&out, item + kEntrySize, folder ? 0 : fact.size);
+    PatchU32(&out, item + kEntryDosTime, fact.dosWriteTime);
+    PatchU16(&out, item + kEntryAttributes, static_cast<uint16_t>(attributes));
     // The primary name is where Windows puts the 8.3 name; Linux has none, so it is the name itself, as Windows
     // writes it on a volume without short names.
     if (ansi)
@@ -259,14 +259,15 @@ bool BuildIdListForPath(const std::u16string &path, const std::vector<PathItemFa
     else
       PutUtf16(&out, names[i], true);
     if ((out.size() - item) % 2 != 0) PutU8(&out, 0);
+    // Version 3, the form of Windows XP, which every later version reads: the long name at 0x14, behind a 16-bit
+    // offset to it and a 16-bit size of a localized name (none).
     size_t block = out.size();
-    PutU16(&out, 0);  // the block's size, patched below
-    PutU16(&out, 3);  // version 3, the form of Windows XP, which every later version reads
-    PutU32(&out, kBeef0004);
-    PutU32(&out, fact.dosCreationTime);
-    PutU32(&out, fact.dosAccessTime);
-    PutU16(&out, static_cast<uint16_t>(kBeefNameOffsetV3));
-    PutU16(&out, 0);  // no localized name
+    out.resize(block + kBeefNameOffsetV3, 0);
+    PatchU16(&out, block + kBeefVersion, 3);
+    PatchU32(&out, block + kBeefSignature, kBeef0004);
+    PatchU32(&out, block + kBeefCreation, fact.dosCreationTime);
+    PatchU32(&out, block + kBeefAccess, fact.dosAccessTime);
+    PatchU16(&out, block + kBeefAccess + 4, static_cast<uint16_t>(kBeefNameOffsetV3));
     PutUtf16(&out, names[i], true);
     PutU16(&out, static_cast<uint16_t>(block - item));
     if (out.size() - item > 0xFFFF) return false;
