@@ -94,6 +94,8 @@ SHORT GetAsyncKeyState(int virtualKey);
 int GetSystemMetrics(int index);
 
 #include "platform/posix/files.h"
+// Shell link objects (IShellLinkA, IPersistFile), COM creation, code page conversion, and the types they use.
+#include "platform/posix/shell_link.h"
 
 #endif  // _WIN32
 

@@ -98,8 +98,8 @@ void ChooseLocaleCharset(void) {
   LocaleCharset().clear();
   if (codeset == nullptr || *codeset == 0) return;
   // The C locale reports ASCII: bytes pass unchanged, which is what a script that compares Shift-JIS output wants.
-  static const char *const kPassThrough[] = {"ANSI_X3.4-1968", "ASCII", "US-ASCII", "SHIFT_JIS", "SJIS", "CP932",
-                                             "WINDOWS-31J", "MS_KANJI"};
+  static const char *const kPassThrough[] = {"ANSI_X3.4-1968", "ASCII", "US-ASCII",    "SHIFT_JIS",
+                                             "SJIS",           "CP932", "WINDOWS-31J", "MS_KANJI"};
   for (const char *name : kPassThrough)
     if (strcasecmp(codeset, name) == 0) return;
   LocaleCharset() = codeset;

@@ -25,7 +25,7 @@ TEST_F(DriveTable, LinuxPathToDriveForm) {
   } rows[] = {
       {"/srv/win/c", "C:\\"},
       {"/srv/win/c/a/b/", "C:\\a\\b"},
-      {"/srv/win/c/data/x", "D:\\x"},       // the longest root wins
+      {"/srv/win/c/data/x", "D:\\x"},             // the longest root wins
       {"/srv/win/cdata", "Z:\\srv\\win\\cdata"},  // a root holds whole components only
       {"/mnt/x//y", "X:\\y"},
       {"/", "Z:\\"},

@@ -1,0 +1,205 @@
+// The machine as the shell link object sees it, over POSIX: drive paths through the drive table, whole-file reads,
+// replacement by rename, stat for a target's facts, the process environment.
+#include "platform/posix/lnk_file_access.h"
+
+#include <errno.h>
+#include <fcntl.h>
+#include <strings.h>
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/posix/charset.h"
+#include "platform/posix/drive_table.h"
+#include "platform/winapi.h"
+
+extern char **environ;
+
+namespace {
+
+const uint64_t kUnixEpochAsFileTime = 116444736000000000ULL;  // 1970-01-01 in 100 ns since 1601-01-01
+
+uint64_t ToFileTime(const struct timespec &time) {
+  if (time.tv_sec < 0) return 0;
+  return kUnixEpochAsFileTime + static_cast<uint64_t>(time.tv_sec) * 10000000ULL +
+         static_cast<uint64_t>(time.tv_nsec) / 100;
+}
+
+uint32_t ErrorFromErrno(int error, uint32_t otherwise) {
+  switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+      return ERROR_PATH_NOT_FOUND;
+    case EACCES:
+    case EPERM:
+    case EROFS:
+    case EISDIR:
+      return ERROR_ACCESS_DENIED;
+    case ENOSPC:
+    case EDQUOT:
+      return ERROR_DISK_FULL;
+    default:
+      return otherwise;
+  }
+}
+
+// The folder part and the name part of a Linux path.
+void SplitLinuxPath(const std::string &path, std::string *folder, std::string *name) {
+  size_t slash = path.rfind('/');
+  *folder = slash == 0 ? "/" : path.substr(0, slash);
+  *name = path.substr(slash + 1);
+}
+
+// Windows' read-only attribute belongs to the file, and holds for an administrator too: a file that nobody may write
+// counts as read-only even for root, as does one that this process may not write.
+bool IsReadOnly(const std::string &linuxPath, const struct stat &info) {
+  return (info.st_mode & 0222) == 0 || access(linuxPath.c_str(), W_OK) != 0;
+}
+
+bool WriteAll(int fd, const std::vector<uint8_t> &bytes) {
+  size_t done = 0;
+  while (done < bytes.size()) {
+    ssize_t written = write(fd, bytes.data() + done, bytes.size() - done);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    done += static_cast<size_t>(written);
+  }
+  return true;
+}
+
+}  // namespace
+
+FileFacts QueryFileFacts(const std::string &drivePath) {
+  FileFacts facts;
+  std::string linuxPath;
+  struct stat info;
+  if (!DrivePathToLinuxPath(drivePath, &linuxPath) || stat(linuxPath.c_str(), &info) != 0) return facts;
+  facts.exists = true;
+  facts.isFolder = S_ISDIR(info.st_mode);
+  facts.attributes = facts.isFolder ? 0x10 : 0x20;
+  if (!facts.isFolder && IsReadOnly(linuxPath, info)) facts.attributes |= 0x01;
+  std::string folder, name;
+  SplitLinuxPath(linuxPath, &folder, &name);
+  if (!name.empty() && name[0] == '.') facts.attributes |= 0x02;
+  facts.size = facts.isFolder ? 0 : static_cast<uint64_t>(info.st_size);
+  // Linux keeps no creation time in stat; the last change of the contents stands in for it.
+  facts.writeTime = ToFileTime(info.st_mtim);
+  facts.accessTime = ToFileTime(info.st_atim);
+  facts.creationTime = facts.writeTime;
+  return facts;
+}
+
+uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vector<uint8_t> *bytes) {
+  std::string linuxPath;
+  if (!DrivePathToLinuxPath(drivePath, &linuxPath)) return ERROR_PATH_NOT_FOUND;
+  int fd = open(linuxPath.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) {
+    int error = errno;
+    std::string folder, name;
+    SplitLinuxPath(linuxPath, &folder, &name);
+    struct stat info;
+    bool folderThere = stat(folder.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
+    return error == ENOENT && folderThere ? ERROR_FILE_NOT_FOUND : ErrorFromErrno(error, ERROR_READ_FAULT);
+  }
+  struct stat info;
+  uint32_t result = ERROR_SUCCESS;
+  if (fstat(fd, &info) != 0) {
+    result = ERROR_READ_FAULT;
+  } else if (S_ISDIR(info.st_mode)) {
+    result = ERROR_ACCESS_DENIED;
+  } else if (static_cast<uint64_t>(info.st_size) > limit) {
+    result = ERROR_NOT_ENOUGH_MEMORY;
+  } else {
+    bytes->clear();
+    uint8_t buffer[8192];
+    for (;;) {
+      ssize_t got = read(fd, buffer, sizeof buffer);
+      if (got < 0 && errno == EINTR) continue;
+      if (got < 0) {
+        result = ERROR_READ_FAULT;
+        break;
+      }
+      if (got == 0) break;
+      bytes->insert(bytes->end(), buffer, buffer + got);
+      if (bytes->size() > limit) {
+        result = ERROR_NOT_ENOUGH_MEMORY;
+        break;
+      }
+    }
+  }
+  close(fd);
+  return result;
+}
+
+uint32_t ReplaceShortcutFile(const std::string &drivePath, const std::vector<uint8_t> &bytes) {
+  std::string linuxPath;
+  if (!DrivePathToLinuxPath(drivePath, &linuxPath)) return ERROR_PATH_NOT_FOUND;
+  // A shortcut that is a symbolic link stays one: the file it points to is the one replaced.
+  struct stat link;
+  if (lstat(linuxPath.c_str(), &link) == 0 && S_ISLNK(link.st_mode)) {
+    char *resolved = realpath(linuxPath.c_str(), nullptr);
+    if (resolved != nullptr) {
+      linuxPath = resolved;
+      free(resolved);
+    }
+  }
+  std::string folder, name;
+  SplitLinuxPath(linuxPath, &folder, &name);
+  if (name.empty()) return ERROR_PATH_NOT_FOUND;
+  mode_t mode = 0666;
+  struct stat old;
+  if (stat(linuxPath.c_str(), &old) == 0) {
+    // Windows opens the old file for writing, which a read-only file or a folder refuses; a rename would not.
+    if (S_ISDIR(old.st_mode) || IsReadOnly(linuxPath, old)) return ERROR_ACCESS_DENIED;
+    mode = old.st_mode & 07777;
+  } else {
+    mode_t mask = umask(0);
+    umask(mask);
+    mode &= ~mask;
+  }
+  std::string temporary = folder + "/." + name + ".XXXXXX";
+  std::vector<char> pattern(temporary.begin(), temporary.end());
+  pattern.push_back(0);
+  int fd = mkstemp(pattern.data());
+  if (fd < 0) return ErrorFromErrno(errno, ERROR_WRITE_FAULT);
+  bool ok = WriteAll(fd, bytes) && fchmod(fd, mode) == 0 && fsync(fd) == 0;
+  int error = ok ? 0 : errno;
+  if (close(fd) != 0 && ok) {
+    ok = false;
+    error = errno;
+  }
+  if (ok && rename(pattern.data(), linuxPath.c_str()) != 0) {
+    ok = false;
+    error = errno;
+  }
+  if (!ok) {
+    unlink(pattern.data());
+    return ErrorFromErrno(error, ERROR_WRITE_FAULT);
+  }
+  return ERROR_SUCCESS;
+}
+
+uint64_t LocalFileTime(uint64_t utcFileTime) {
+  if (utcFileTime < kUnixEpochAsFileTime) return utcFileTime;
+  time_t seconds = static_cast<time_t>((utcFileTime - kUnixEpochAsFileTime) / 10000000ULL);
+  struct tm local;
+  if (localtime_r(&seconds, &local) == nullptr) return utcFileTime;
+  int64_t shift = static_cast<int64_t>(local.tm_gmtoff) * 10000000LL;
+  return static_cast<uint64_t>(static_cast<int64_t>(utcFileTime) + shift);
+}
+
+bool LookupEnvironmentVariable(const std::string &name, std::string *value) {
+  if (name.empty()) return false;
+  for (char **entry = environ; entry != nullptr && *entry != nullptr; ++entry) {
+    const char *equals = std::strchr(*entry, '=');
+    if (equals == nullptr || static_cast<size_t>(equals - *entry) != name.size()) continue;
+    if (strncasecmp(*entry, name.c_str(), name.size()) != 0) continue;
+    *value = LocaleToCp932(equals + 1);
+    return true;
+  }
+  return false;
+}
