@@ -96,6 +96,8 @@ int GetSystemMetrics(int index);
 #include "platform/posix/files.h"
 // Shell link objects (IShellLinkA, IPersistFile), COM creation, code page conversion, and the types they use.
 #include "platform/posix/shell_link.h"
+// SHGetFileInfoA for a program type and an icon location.
+#include "platform/posix/shell_info.h"
 
 #endif  // _WIN32
 
