@@ -122,8 +122,8 @@ typedef struct _OVERLAPPED OVERLAPPED, *LPOVERLAPPED;
 // path_names.h); there are no short names, so a mask never matches through one ("*.lnk" does not find "a.lnkx", which
 // Windows finds through the short name A~1.LNK where short names are made). A mask without wildcards finds its one
 // entry without reading the folder. Errors: ERROR_FILE_NOT_FOUND (no match, or a pattern ending in "\"),
-// ERROR_PATH_NOT_FOUND (no such folder, an empty pattern, an unmapped drive), ERROR_DIRECTORY (the folder is a file),
-// ERROR_INVALID_NAME (a wildcard in the folder part), ERROR_FILENAME_EXCED_RANGE (over MAX_PATH characters),
+// ERROR_PATH_NOT_FOUND (no such folder, an empty pattern, an unmapped drive), ERROR_INVALID_NAME (a wildcard in the
+// folder part, or a file in its place), ERROR_FILENAME_EXCED_RANGE (over MAX_PATH characters),
 // ERROR_ACCESS_DENIED, ERROR_BAD_NETPATH (any network path: there is no network here).
 HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData);
 // The next entry; FALSE with ERROR_NO_MORE_FILES at the end (and on every call after it), ERROR_INVALID_HANDLE for a
@@ -187,7 +187,8 @@ DWORD GetCurrentDirectoryA(DWORD bufferLength, LPSTR buffer);
 BOOL SetCurrentDirectoryA(LPCSTR pathName);
 // The full form of a path, made without touching the disk: "/" becomes "\", "." and ".." are resolved in the text,
 // a dot at the end of a folder name and dots and spaces at the end of the path are dropped, "\x" starts at the
-// current drive's root, "X:x" at drive X's current folder, "x" at the current folder. `filePart` gets the last name
+// current drive's root, "X:x" at drive X's current folder ("X:" alone is that folder with a trailing backslash, as
+// Wine and recent Windows give it), "x" at the current folder. `filePart` gets the last name
 // (null when the path ends in "\"). Returns the length, or the size needed with the terminator.
 DWORD GetFullPathNameA(LPCSTR fileName, DWORD bufferLength, LPSTR buffer, LPSTR *filePart);
 // Looks for a file (or folder) of that name: with `path` null in the program's folder, the system folder, the Windows

@@ -132,7 +132,8 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
   error = FindOnDisk(folderPath, &folder);
   if (error != 0) return Fail(error);
   if (!folder.exists) return Fail(ERROR_PATH_NOT_FOUND);
-  if (!folder.facts.isDirectory) return Fail(ERROR_DIRECTORY);
+  // FindFirstFile("C:\dir\file.txt\*"): NTFS refuses a file's name with a backslash behind it as a bad name.
+  if (!folder.facts.isDirectory) return Fail(ERROR_INVALID_NAME);
   if (ForcedListingFailure(folderPath, &error)) return Fail(error);
   // FindFirstFile("C:\dir\"): the folder is there, but there is no name to look for.
   if (mask.empty()) return Fail(ERROR_FILE_NOT_FOUND);

@@ -153,8 +153,8 @@ bool MakeFullPath(const std::u16string &given, std::u16string *full) {
       bool currentDrive = current.size() >= 2 && current[1] == u':' && UpperLetter(current[0]) == UpperLetter(path[0]);
       if (currentDrive) {
         root = current.substr(0, 3);
-        rest = current.substr(3);
-        if (path.size() > 2) rest += u"\\" + path.substr(2);
+        // "C:" alone is the current folder with its backslash, as Windows keeps it.
+        rest = current.substr(3) + u"\\" + path.substr(2);
       } else {
         root = path.substr(0, 2) + u"\\";
         rest = path.substr(2);

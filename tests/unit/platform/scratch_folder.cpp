@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 
 #ifdef _WIN32
 #include <wchar.h>
@@ -89,7 +90,9 @@ void ScratchFolder::Create() {
   if (base.back() == '\\') base.pop_back();
   process = static_cast<unsigned long>(getpid());
 #endif
-  path_ = base + "\\kelmaro-" + std::to_string(process) + "-" + std::to_string(++counter);
+  // Wine gives every run the same process id, so the time of day keeps runs apart.
+  unsigned long stamp = static_cast<unsigned long>(std::time(nullptr) % 1000000);
+  path_ = base + "\\kelmaro-" + std::to_string(process) + "-" + std::to_string(stamp) + "-" + std::to_string(++counter);
   ASSERT_TRUE(CreateDirectoryA(path_.c_str(), nullptr)) << path_ << " error " << GetLastError();
 }
 
@@ -147,6 +150,21 @@ std::string Hex(const std::string &text) {
     out += byte;
   }
   return out;
+}
+
+bool WineRunsAsRoot() {
+  if (!RunningUnderWine()) return false;
+  // Wine's Z: is the Linux root, so the process can read its own status there.
+  HANDLE status = CreateFileA("Z:\\proc\\self\\status", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0,
+                              nullptr);
+  if (status == INVALID_HANDLE_VALUE) return false;
+  std::string text(4096, '\0');
+  DWORD got = 0;
+  ReadFile(status, &text[0], static_cast<DWORD>(text.size()), &got, nullptr);
+  CloseHandle(status);
+  text.resize(got);
+  size_t uid = text.find("\nUid:");
+  return uid != std::string::npos && std::strtoul(text.c_str() + uid + 5, nullptr, 10) == 0;
 }
 
 bool RunningUnderWine() {
