@@ -169,6 +169,8 @@ BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytesToWrite, LPDWORD bytesWri
 }
 
 BOOL CloseHandle(HANDLE object) {
+  // INVALID_HANDLE_VALUE is also the pseudo-handle of the process itself, which Windows "closes" with success.
+  if (object == INVALID_HANDLE_VALUE) return TRUE;
   auto found = Files().find(object);
   if (found == Files().end()) return FailWith(ERROR_INVALID_HANDLE);
   DWORD error;

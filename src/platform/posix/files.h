@@ -148,7 +148,8 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECU
 BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytesToRead, LPDWORD bytesRead, LPOVERLAPPED overlapped);
 // Writes all bytes at the file position (ERROR_DISK_FULL when the disk is full).
 BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytesToWrite, LPDWORD bytesWritten, LPOVERLAPPED overlapped);
-// Closes a file handle; FALSE with ERROR_INVALID_HANDLE for anything else (a search handle is closed by FindClose).
+// Closes a file handle; FALSE with ERROR_INVALID_HANDLE for anything else (a search handle is closed by FindClose),
+// except INVALID_HANDLE_VALUE, the process's own pseudo-handle to Windows, whose "close" succeeds.
 BOOL CloseHandle(HANDLE object);
 // The size's low half (the high half through `fileSizeHigh`); INVALID_FILE_SIZE on failure, and with the last error
 // set to 0 when the low half really is 0xFFFFFFFF.
@@ -160,7 +161,7 @@ BOOL GetFileSizeEx(HANDLE file, PLARGE_INTEGER fileSize);
 BOOL DeleteFileA(LPCSTR fileName);
 // Renames or moves a file or folder; never replaces: ERROR_ALREADY_EXISTS when the new name is taken (a change of case
 // alone is a rename). A file moves to another drive's file system by copy and delete; a folder cannot
-// (ERROR_NOT_SAME_DEVICE).
+// (ERROR_NOT_SAME_DEVICE), nor into itself (ERROR_INVALID_PARAMETER).
 BOOL MoveFileA(LPCSTR existingFileName, LPCSTR newFileName);
 // Creates a folder. ERROR_ALREADY_EXISTS when the name is taken, ERROR_PATH_NOT_FOUND when its parent is missing.
 BOOL CreateDirectoryA(LPCSTR pathName, LPSECURITY_ATTRIBUTES securityAttributes);
@@ -182,7 +183,7 @@ int _access(const char *path, int mode);
 // without terminator, or the size needed with it when the buffer is too small.
 DWORD GetCurrentDirectoryA(DWORD bufferLength, LPSTR buffer);
 // Makes an existing folder current; it is kept as given (made full), so its case is the caller's, as on Windows.
-// ERROR_DIRECTORY for a file. Another drive's current folder is its root: a process that only calls this has no "=X:"
+// ERROR_DIRECTORY for a file, ERROR_INVALID_NAME for an empty path. Another drive's current folder is its root: a process that only calls this has no "=X:"
 // variables on Windows either.
 BOOL SetCurrentDirectoryA(LPCSTR pathName);
 // The full form of a path, made without touching the disk: "/" becomes "\", "." and ".." are resolved in the text,
@@ -202,12 +203,12 @@ UINT GetWindowsDirectoryA(LPSTR buffer, UINT size);
 UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
 
 // ---- Drives and volumes --------------------------------------------------------------------------------------------
-// DRIVE_FIXED for a mapped drive whose folder exists, given as "X:", "X:\" or "X:/" (null: the current drive);
-// DRIVE_NO_ROOT_DIR for anything else, network roots included.
+// DRIVE_FIXED for a mapped drive whose folder exists, named by any path on it ("X:", "X:\", "X:\dir\"; null: the
+// current drive); DRIVE_NO_ROOT_DIR for anything else, network roots included.
 UINT GetDriveTypeA(LPCSTR rootPathName);
 // One bit per drive that GetDriveTypeA calls fixed, bit 0 for A:.
 DWORD GetLogicalDrives(void);
-// The volume of a mapped drive's root ("X:\"): no label, a serial number from the file system's id, its longest name,
+// The volume of a mapped drive's root ("X:\" or "X:"): no label, a serial number from the file system's id, its longest name,
 // FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK (and FILE_READ_ONLY_VOLUME), and its file system's name in upper
 // case ("EXT4", "TMPFS"; "FAT32", "NTFS", "CDFS" for those). ERROR_DIR_NOT_ROOT for a folder that is not a root,
 // ERROR_PATH_NOT_FOUND for an unmapped drive, ERROR_BAD_NETPATH for a network root.
@@ -215,7 +216,8 @@ BOOL GetVolumeInformationA(LPCSTR rootPathName, LPSTR volumeNameBuffer, DWORD vo
                            LPDWORD volumeSerialNumber, LPDWORD maximumComponentLength, LPDWORD fileSystemFlags,
                            LPSTR fileSystemNameBuffer, DWORD fileSystemNameSize);
 // The free and total space of the volume that holds a folder (null: the current drive), in clusters of the file
-// system's fragment size as 512-byte sectors; counts beyond 32 bits read 0xFFFFFFFF.
+// system's fragment size as 512-byte sectors; counts beyond 32 bits read 0xFFFFFFFF. ERROR_FILE_NOT_FOUND for a
+// folder that is not there, ERROR_PATH_NOT_FOUND for one whose parent is not, or on an unmapped drive.
 BOOL GetDiskFreeSpaceA(LPCSTR rootPathName, LPDWORD sectorsPerCluster, LPDWORD bytesPerSector,
                        LPDWORD numberOfFreeClusters, LPDWORD totalNumberOfClusters);
 // The same in bytes: free to this process, total, free in all. Any of the three may be null.
@@ -227,5 +229,6 @@ BOOL GetDiskFreeSpaceExA(LPCSTR directoryName, PULARGE_INTEGER freeBytesAvailabl
 BOOL FileTimeToLocalFileTime(const FILETIME *fileTime, LPFILETIME localFileTime);
 // A variable of the process environment, its name matched without case (an exact match first); the value in
 // Shift-JIS. Returns the length, or the size needed with the terminator (the buffer untouched); 0 with
-// ERROR_ENVVAR_NOT_FOUND for a name that is not set.
+// ERROR_ENVVAR_NOT_FOUND for a name that is not set. Success leaves the last error as it was (so an empty value gives
+// 0 without an error of its own).
 DWORD GetEnvironmentVariableA(LPCSTR name, LPSTR buffer, DWORD size);

@@ -137,13 +137,13 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
   if (ForcedListingFailure(folderPath, &error)) return Fail(error);
   // FindFirstFile("C:\dir\"): the folder is there, but there is no name to look for.
   if (mask.empty()) return Fail(ERROR_FILE_NOT_FOUND);
-  for (char16_t c : mask)
-    if (c < 0x20 || c == u':' || c == u'|') return Fail(ERROR_INVALID_NAME);
 
   OpenSearch search;
   if (!HasWildcard(mask)) {
     DiskPath entry;
     error = FindOnDisk(full, &entry);
+    // The folder is good, so a bad name can only be the last one, which no entry can have: "a|b" finds nothing.
+    if (error == ERROR_INVALID_NAME) error = ERROR_FILE_NOT_FOUND;
     if (error != 0) return Fail(error);
     if (!entry.exists) return Fail(ERROR_FILE_NOT_FOUND);
     search.single = true;

@@ -95,6 +95,8 @@ TEST(FileOps, WrittenBytesReadBackWithTheirSize) {
   SetLastError(0);
   EXPECT_FALSE(CloseHandle(file));  // closed already
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+  // INVALID_HANDLE_VALUE is the process's own pseudo-handle, whose "close" succeeds.
+  EXPECT_TRUE(CloseHandle(INVALID_HANDLE_VALUE));
 }
 
 // Opens a file for writing; the handle is closed again at once. Result: whether it opened, and the last error.
@@ -211,8 +213,24 @@ TEST(FileOps, MoveRenamesButNeverReplaces) {
   // A change of case alone is a rename of the one file (which Wine takes for a move onto itself, changing nothing).
   EXPECT_TRUE(MoveFileA((folder / "b.lnk").c_str(), (folder / "B.LNK").c_str()));
   EXPECT_EQ(ListNames(folder / "*.lnk"), WindowsOrWine<std::vector<std::string>>({"B.LNK"}, {"b.lnk"}));
+  SetLastError(0);
+  EXPECT_FALSE(MoveFileA((folder / "dir").c_str(), (folder / "dir\\inside").c_str()));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));  // a folder into itself
   EXPECT_TRUE(MoveFileA((folder / "dir").c_str(), (folder / "Renamed").c_str()));
   EXPECT_EQ(ReadAll(folder / "renamed\\moved.lnk"), "a");
+}
+
+TEST(FileOps, TheCurrentFolderCannotBeRemoved) {
+  ScratchFolder folder;
+  folder.MakeFolder("here");
+  char before[MAX_PATH];
+  ASSERT_GT(GetCurrentDirectoryA(sizeof before, before), 0u);
+  ASSERT_TRUE(SetCurrentDirectoryA((folder / "here").c_str()));
+  SetLastError(0);
+  EXPECT_FALSE(RemoveDirectoryA((folder / "HERE").c_str()));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
+  ASSERT_TRUE(SetCurrentDirectoryA(before));
+  EXPECT_TRUE(RemoveDirectoryA((folder / "here").c_str()));
 }
 
 TEST(FileOps, PathsOverMaxPathAreRefused) {

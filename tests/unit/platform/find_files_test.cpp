@@ -105,6 +105,14 @@ TEST(FindFiles, ANameWithoutWildcardsGivesOneEntryThenTheEnd) {
   EXPECT_TRUE(FindClose(search));
 }
 
+TEST(FindFiles, DotsInAPatternAreResolvedBeforeTheSearch) {
+  ScratchFolder folder;
+  folder.MakeFolder("dir");
+  std::string own = folder.Path().substr(folder.Path().rfind('\\') + 1);
+  EXPECT_EQ(ListNames(folder / "dir\\."), Names{"dir"});  // "C:\x\dir\." is "C:\x\dir": the entry dir in C:\x
+  EXPECT_EQ(ListNames(folder / "dir\\.."), Names{own});
+}
+
 TEST(FindFiles, TheEndOfAListingStaysTheEndAndAClosedSearchIsGone) {
   ScratchFolder folder;
   folder.MakeFile("only.lnk");
@@ -141,8 +149,13 @@ TEST(FindFiles, FailuresGiveWindowsErrors) {
       {folder / "absent\\deeper\\*", ERROR_PATH_NOT_FOUND},
       {folder / "file.txt\\*", ERROR_INVALID_NAME},  // a file's name with a backslash behind it
       {folder / "d*\\*", ERROR_INVALID_NAME},
-      {"Q:\\*", ERROR_PATH_NOT_FOUND},  // no such drive
-      {folder / std::string(300, 'a'), ERROR_FILENAME_EXCED_RANGE},
+      {folder / "a|b", ERROR_FILE_NOT_FOUND},  // a name no entry can have
+      {"Q:\\*", ERROR_PATH_NOT_FOUND},         // no such drive
+      // There is no network here; Windows says this of a server that does not answer, Wine of any.
+      {"\\\\server\\share\\*", WindowsOrWine<DWORD>(ERROR_BAD_NETPATH, ERROR_PATH_NOT_FOUND)},
+      // An "A" call takes at most MAX_PATH characters.
+      {folder / std::string(MAX_PATH - folder.Path().size() - 1, 'a'), ERROR_FILE_NOT_FOUND},
+      {folder / std::string(MAX_PATH - folder.Path().size(), 'a'), ERROR_FILENAME_EXCED_RANGE},
   };
   for (const ErrorRow &row : rows) {
     FindResult result = FindFirst(row.pattern);

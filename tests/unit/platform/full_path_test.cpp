@@ -59,6 +59,7 @@ TEST_F(FullPath, SettingTheCurrentFolderFailsForWhatIsNoFolder) {
       {"absent", ERROR_FILE_NOT_FOUND},
       {"absent\\deeper", ERROR_PATH_NOT_FOUND},
       {"file.txt", ERROR_DIRECTORY},
+      {"", ERROR_INVALID_NAME},
   };
   for (const Row &row : rows) {
     SetLastError(0);

@@ -17,6 +17,8 @@ TEST(Volumes, DriveTypesTellMappedFromAbsent) {
   ScratchFolder folder;
   std::string root = folder.Path().substr(0, 3);
   EXPECT_EQ(GetDriveTypeA(root.c_str()), static_cast<UINT>(DRIVE_FIXED)) << root;
+  EXPECT_EQ(GetDriveTypeA(root.substr(0, 2).c_str()), static_cast<UINT>(DRIVE_FIXED)) << root;
+  EXPECT_EQ(GetDriveTypeA((folder.Path() + "\\").c_str()), static_cast<UINT>(DRIVE_FIXED));  // any path on it
   EXPECT_EQ(GetDriveTypeA(kAbsentRoot), static_cast<UINT>(DRIVE_NO_ROOT_DIR));
   DWORD drives = GetLogicalDrives();
   char letter = static_cast<char>(toupper(static_cast<unsigned char>(root[0])));
@@ -39,9 +41,14 @@ TEST(Volumes, AVolumeDescribesItself) {
   EXPECT_LT(std::strlen(fileSystem), sizeof fileSystem);
   EXPECT_GE(longest, 255u);
   EXPECT_NE(flags & FILE_CASE_PRESERVED_NAMES, 0u);
+  EXPECT_TRUE(GetVolumeInformationA(root.substr(0, 2).c_str(), nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0));
   SetLastError(0);
   EXPECT_FALSE(GetVolumeInformationA(kAbsentRoot, label, sizeof label, nullptr, nullptr, nullptr, nullptr, 0));
-  EXPECT_NE(GetLastError(), 0u);
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PATH_NOT_FOUND));
+  // A name buffer too small for the file system's name.
+  SetLastError(0);
+  EXPECT_FALSE(GetVolumeInformationA(root.c_str(), nullptr, 0, nullptr, nullptr, nullptr, fileSystem, 2));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_BAD_LENGTH));
 }
 
 TEST(Volumes, AFolderIsNoVolumeRoot) {
@@ -68,7 +75,10 @@ TEST(Volumes, FreeSpaceFitsInTheTotal) {
   EXPECT_LE(freeClusters, clusters);
   SetLastError(0);
   EXPECT_FALSE(GetDiskFreeSpaceExA((folder / "absent\\").c_str(), &available, nullptr, nullptr));
-  EXPECT_NE(GetLastError(), 0u);
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+  SetLastError(0);
+  EXPECT_FALSE(GetDiskFreeSpaceExA(kAbsentRoot, &available, nullptr, nullptr));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PATH_NOT_FOUND));
 }
 
 void SetVariable(const char *name, const char *value) {
@@ -91,6 +101,13 @@ TEST(Volumes, EnvironmentNamesAreBlindToCase) {
   char small[4] = {'G', 'G', 'G', 'G'};
   EXPECT_EQ(GetEnvironmentVariableA("KELMARO_TEST_VALUE", small, sizeof small), 11u);  // the size needed
   EXPECT_EQ(small[0], 'G');
+  // Success leaves the last error alone, so an empty value is told from a missing one by clearing it first.
+  SetVariable("KELMARO_TEST_EMPTY", "");
+  SetLastError(0xDEADBEEF);
+  EXPECT_EQ(GetEnvironmentVariableA("KELMARO_TEST_EMPTY", buffer, sizeof buffer), 0u);
+  EXPECT_EQ(GetLastError(), 0xDEADBEEFu);
+  EXPECT_STREQ(buffer, "");
+  SetVariable("KELMARO_TEST_EMPTY", nullptr);
   SetVariable("KELMARO_TEST_VALUE", nullptr);
   SetLastError(0);
   EXPECT_EQ(GetEnvironmentVariableA("KELMARO_TEST_VALUE", buffer, sizeof buffer), 0u);
