@@ -35,6 +35,7 @@ struct ListingFault {
   DWORD error;
 };
 std::vector<ListingFault> listingFaults;
+size_t folderReads = 0;
 
 }  // namespace
 
@@ -49,6 +50,10 @@ bool ForcedFailure(FaultPoint point, DWORD *error) {
   *error = row.error;
   return true;
 }
+
+void CountFolderRead(void) { ++folderReads; }
+
+size_t TestFolderReads(void) { return folderReads; }
 
 bool ForcedListingFailure(const std::u16string &folder, DWORD *error) {
   for (const ListingFault &fault : listingFaults) {
@@ -74,7 +79,7 @@ bool TestFailCalls(const char *operation, DWORD error, int count, int skip) {
 
 bool TestFailListing(const char *folder, DWORD error) {
   std::u16string full;
-  if (MakeFullPath(ProgramToUtf16(folder), &full) != 0) return false;
+  if (!MakeFullPath(ProgramToUtf16(folder), &full)) return false;
   // "C:\a\" and "C:\a" name the same folder; only a root keeps its backslash.
   if (full.size() > 3 && full.back() == u'\\') full.pop_back();
   listingFaults.push_back({full, error});
