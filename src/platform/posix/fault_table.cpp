@@ -14,19 +14,32 @@ namespace {
 
 struct FaultRow {
   const char *name;
-  int skip;   // calls still to let through before the failures begin
-  int left;   // failures still to give; -1 for every call from then on
+  int skip;  // calls still to let through before the failures begin
+  int left;  // failures still to give; -1 for every call from then on
   DWORD error;
 };
 
 FaultRow table[] = {
-    {"FindFirstFileA", 0, 0, 0},      {"FindNextFileA", 0, 0, 0},        {"FindClose", 0, 0, 0},
-    {"CreateFileA", 0, 0, 0},         {"ReadFile", 0, 0, 0},             {"WriteFile", 0, 0, 0},
-    {"CloseHandle", 0, 0, 0},         {"GetFileSize", 0, 0, 0},          {"GetFileSizeEx", 0, 0, 0},
-    {"DeleteFileA", 0, 0, 0},         {"MoveFileA", 0, 0, 0},            {"CreateDirectoryA", 0, 0, 0},
-    {"RemoveDirectoryA", 0, 0, 0},    {"GetFileAttributesA", 0, 0, 0},   {"SetFileAttributesA", 0, 0, 0},
-    {"SetCurrentDirectoryA", 0, 0, 0}, {"SearchPathA", 0, 0, 0},         {"GetDiskFreeSpaceA", 0, 0, 0},
-    {"GetDiskFreeSpaceExA", 0, 0, 0}, {"GetVolumeInformationA", 0, 0, 0},
+    {"FindFirstFileA", 0, 0, 0},
+    {"FindNextFileA", 0, 0, 0},
+    {"FindClose", 0, 0, 0},
+    {"CreateFileA", 0, 0, 0},
+    {"ReadFile", 0, 0, 0},
+    {"WriteFile", 0, 0, 0},
+    {"CloseHandle", 0, 0, 0},
+    {"GetFileSize", 0, 0, 0},
+    {"GetFileSizeEx", 0, 0, 0},
+    {"DeleteFileA", 0, 0, 0},
+    {"MoveFileA", 0, 0, 0},
+    {"CreateDirectoryA", 0, 0, 0},
+    {"RemoveDirectoryA", 0, 0, 0},
+    {"GetFileAttributesA", 0, 0, 0},
+    {"SetFileAttributesA", 0, 0, 0},
+    {"SetCurrentDirectoryA", 0, 0, 0},
+    {"SearchPathA", 0, 0, 0},
+    {"GetDiskFreeSpaceA", 0, 0, 0},
+    {"GetDiskFreeSpaceExA", 0, 0, 0},
+    {"GetVolumeInformationA", 0, 0, 0},
 };
 static_assert(sizeof table / sizeof table[0] == kFaultCount, "one row for each fault point");
 

@@ -11,7 +11,6 @@
 #include <string>
 #include <vector>
 
-
 namespace {
 
 // Seconds from 1601-01-01 to 1970-01-01.

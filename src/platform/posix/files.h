@@ -183,8 +183,8 @@ int _access(const char *path, int mode);
 // without terminator, or the size needed with it when the buffer is too small.
 DWORD GetCurrentDirectoryA(DWORD bufferLength, LPSTR buffer);
 // Makes an existing folder current; it is kept as given (made full), so its case is the caller's, as on Windows.
-// ERROR_DIRECTORY for a file, ERROR_INVALID_NAME for an empty path. Another drive's current folder is its root: a process that only calls this has no "=X:"
-// variables on Windows either.
+// ERROR_DIRECTORY for a file, ERROR_INVALID_NAME for an empty path. Another drive's current folder is its root: a
+// process that only calls this has no "=X:" variables on Windows either.
 BOOL SetCurrentDirectoryA(LPCSTR pathName);
 // The full form of a path, made without touching the disk: "/" becomes "\", "." and ".." are resolved in the text,
 // a dot at the end of a folder name and dots and spaces at the end of the path are dropped, "\x" starts at the
@@ -208,9 +208,9 @@ UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
 UINT GetDriveTypeA(LPCSTR rootPathName);
 // One bit per drive that GetDriveTypeA calls fixed, bit 0 for A:.
 DWORD GetLogicalDrives(void);
-// The volume of a mapped drive's root ("X:\" or "X:"): no label, a serial number from the file system's id, its longest name,
-// FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK (and FILE_READ_ONLY_VOLUME), and its file system's name in upper
-// case ("EXT4", "TMPFS"; "FAT32", "NTFS", "CDFS" for those). ERROR_DIR_NOT_ROOT for a folder that is not a root,
+// The volume of a mapped drive's root ("X:\" or "X:"): no label, a serial number from the file system's id, its longest
+// name, FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK (and FILE_READ_ONLY_VOLUME), and its file system's name in
+// upper case ("EXT4", "TMPFS"; "FAT32", "NTFS", "CDFS" for those). ERROR_DIR_NOT_ROOT for a folder that is not a root,
 // ERROR_PATH_NOT_FOUND for an unmapped drive, ERROR_BAD_NETPATH for a network root.
 BOOL GetVolumeInformationA(LPCSTR rootPathName, LPSTR volumeNameBuffer, DWORD volumeNameSize,
                            LPDWORD volumeSerialNumber, LPDWORD maximumComponentLength, LPDWORD fileSystemFlags,

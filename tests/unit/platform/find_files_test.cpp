@@ -63,8 +63,8 @@ TEST(FindFiles, MasksMatchAsTheFileSystemMatchesThem) {
        {"x.lnk", "Y.LNK", "a.b.lnk", "lnk", "noext", "two.dots.txt", "a.lnkx", "ab.txt", "a.txt", "abc.txt"})
     folder.MakeFile(name);
   folder.MakeFolder("dir.lnk");
-  const Names all = {"a.b.lnk", "a.lnkx", "a.txt", "ab.txt", "abc.txt", "dir.lnk",
-                     "lnk",     "noext",  "two.dots.txt", "x.lnk", "Y.LNK"};
+  const Names all = {"a.b.lnk", "a.lnkx", "a.txt",        "ab.txt", "abc.txt", "dir.lnk",
+                     "lnk",     "noext",  "two.dots.txt", "x.lnk",  "Y.LNK"};
   Names withDots = {".", ".."};
   withDots.insert(withDots.end(), all.begin(), all.end());
   const MaskRow rows[] = {
@@ -79,7 +79,7 @@ TEST(FindFiles, MasksMatchAsTheFileSystemMatchesThem) {
       {"a?.txt", {"a.txt", "ab.txt"}, {"ab.txt"}},
       {"a??.txt", {"a.txt", "ab.txt", "abc.txt"}, {"abc.txt"}},
       {"A*", {"a.b.lnk", "a.lnkx", "a.txt", "ab.txt", "abc.txt"}, {}},
-      {"noext.*", {"noext"}, {}},                                             // ".*" may match nothing at the end
+      {"noext.*", {"noext"}, {}},  // ".*" may match nothing at the end
       {"*.l*", {"a.b.lnk", "a.lnkx", "dir.lnk", "x.lnk", "Y.LNK"}, {}},
       {"*x*", {"a.lnkx", "a.txt", "ab.txt", "abc.txt", "noext", "two.dots.txt", "x.lnk"}, {}},
       {"X.LNK", {"x.lnk"}, {}},  // no wildcard: the one name, spelled as on disk
@@ -192,9 +192,9 @@ TEST(FindFiles, EntriesCarryAttributesSizeAndTime) {
 
 TEST(FindFiles, NamesAreShiftJisAndWhatItCannotHoldReadsAsQuestionMarks) {
   ScratchFolder folder;
-  folder.MakeFile("表.lnk");                         // 0x95 0x5C: its trail byte is a backslash
-  folder.MakeFileNamedInUtf8(u8"\uD55C.txt");        // Hangul: no Shift-JIS form
-  folder.MakeFileNamedInUtf8(u8"\U0001F600.txt");    // outside the BMP: two UTF-16 units, two marks
+  folder.MakeFile("表.lnk");                       // 0x95 0x5C: its trail byte is a backslash
+  folder.MakeFileNamedInUtf8(u8"\uD55C.txt");      // Hangul: no Shift-JIS form
+  folder.MakeFileNamedInUtf8(u8"\U0001F600.txt");  // outside the BMP: two UTF-16 units, two marks
   Names names = ListNames(folder / "*.*");
   ASSERT_EQ(names.size(), 5u);
   // In UTF-16 order: U+8868, then U+D55C, then the surrogates D83D DE00.

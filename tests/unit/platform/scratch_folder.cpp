@@ -155,8 +155,8 @@ std::string Hex(const std::string &text) {
 bool WineRunsAsRoot() {
   if (!RunningUnderWine()) return false;
   // Wine's Z: is the Linux root, so the process can read its own status there.
-  HANDLE status = CreateFileA("Z:\\proc\\self\\status", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0,
-                              nullptr);
+  HANDLE status =
+      CreateFileA("Z:\\proc\\self\\status", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
   if (status == INVALID_HANDLE_VALUE) return false;
   std::string text(4096, '\0');
   DWORD got = 0;

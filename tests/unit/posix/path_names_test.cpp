@@ -18,10 +18,12 @@ TEST(PathNames, Utf8AndUtf16RoundTripAndBadBytesBecomeReplacements) {
     const char *bytes;
     std::u16string expected;
   } rows[] = {
-      {"a\xFF" "b", {u'a', 0xFFFD, u'b'}},       // never a UTF-8 byte
-      {"\xC0\xAF", {0xFFFD, 0xFFFD}},            // an overlong "/" is not a slash
+      {"a\xFF"
+       "b",
+       {u'a', 0xFFFD, u'b'}},                      // never a UTF-8 byte
+      {"\xC0\xAF", {0xFFFD, 0xFFFD}},              // an overlong "/" is not a slash
       {"\xED\xA0\x80", {0xFFFD, 0xFFFD, 0xFFFD}},  // an encoded surrogate
-      {"\xE8\xA1", {0xFFFD, 0xFFFD}},            // cut short
+      {"\xE8\xA1", {0xFFFD, 0xFFFD}},              // cut short
   };
   for (const Row &row : rows) EXPECT_EQ(Utf8ToUtf16(row.bytes), row.expected) << row.bytes;
   EXPECT_EQ(Utf16ToUtf8(std::u16string{0xD800, u'x'}), u8"\uFFFDx");  // a lone surrogate
@@ -38,11 +40,11 @@ TEST(PathNames, DiskNamesReadAsAWindowsListingShowsThem) {
     std::string shown;
   } rows[] = {
       {u8"表.lnk", "表.lnk"},
-      {u8"\uD55C.txt", "?.txt"},            // no Shift-JIS form
-      {u8"\U0001F600.txt", "??.txt"},       // one mark per UTF-16 unit
+      {u8"\uD55C.txt", "?.txt"},                     // no Shift-JIS form
+      {u8"\U0001F600.txt", "??.txt"},                // one mark per UTF-16 unit
       {"a\\b:c*d?e\"f<g>h|i", "a?b?c?d?e?f?g?h?i"},  // what no Windows name holds
       {"tab\there", "tab?here"},
-      {"latin1-\xE9t\xE9", "latin1-?t?"},   // not UTF-8 at all
+      {"latin1-\xE9t\xE9", "latin1-?t?"},  // not UTF-8 at all
   };
   for (const Row &row : rows) EXPECT_EQ(DiskNameToProgram(row.disk), row.shown) << row.disk;
 }
@@ -51,11 +53,11 @@ TEST(PathNames, FoldingUsesTheUpperCaseOfEachUnit) {
   struct Row {
     char16_t unit, folded;
   } rows[] = {
-      {u'a', u'A'},   {u'Z', u'Z'},       {u'_', u'_'},       {0x00E9, 0x00C9},  // é
-      {0x03B1, 0x0391},                                                       // Greek alpha
-      {0xFF41, 0xFF21},                                                       // full-width a
-      {0x00DF, 0x00DF},                                                       // ß has no one-unit upper case
-      {0x8868, 0x8868},   {0xD83D, 0xD83D},                                   // a surrogate stays
+      {u'a', u'A'},     {u'Z', u'Z'},     {u'_', u'_'}, {0x00E9, 0x00C9},  // é
+      {0x03B1, 0x0391},                                                    // Greek alpha
+      {0xFF41, 0xFF21},                                                    // full-width a
+      {0x00DF, 0x00DF},                                                    // ß has no one-unit upper case
+      {0x8868, 0x8868}, {0xD83D, 0xD83D},                                  // a surrogate stays
   };
   for (const Row &row : rows) EXPECT_EQ(FoldUnit(row.unit), row.folded) << static_cast<int>(row.unit);
   EXPECT_TRUE(SameNameIgnoringCase(u"Program Files", u"PROGRAM files"));
@@ -68,9 +70,9 @@ TEST(PathNames, FindFirstFileRewritesTheMaskInItsDosForm) {
     bool endedInDot;
     const char16_t *dos;
   } rows[] = {
-      {u"*.*", false, u"*"},        {u"*.lnk", false, u"<.LNK"}, {u"a?", false, u"A>"},
-      {u"x.*", false, u"X\"*"},     {u"x.?", false, u"X\">"},    {u"*", true, u"<"},  // "*." once made full
-      {u"a*b", false, u"A*B"},      {u"*.*.*", false, u"<\"<\"*"},
+      {u"*.*", false, u"*"},    {u"*.lnk", false, u"<.LNK"},   {u"a?", false, u"A>"},
+      {u"x.*", false, u"X\"*"}, {u"x.?", false, u"X\">"},      {u"*", true, u"<"},  // "*." once made full
+      {u"a*b", false, u"A*B"},  {u"*.*.*", false, u"<\"<\"*"},
   };
   for (const Row &row : rows) EXPECT_EQ(Utf8(DosMask(row.mask, row.endedInDot)), Utf8(row.dos)) << Utf8(row.mask);
 }
@@ -82,21 +84,17 @@ TEST(PathNames, DosMasksMatchByTheFileSystemsRules) {
     const char16_t *name;
     bool matches;
   } rows[] = {
-      {u"*.lnk", false, u"x.lnk", true},      {u"*.lnk", false, u"X.LNK", true},
-      {u"*.lnk", false, u"a.b.lnk", true},    {u"*.lnk", false, u"a.lnkx", false},
-      {u"*.lnk", false, u".lnk", true},       {u"*.lnk", false, u"lnk", false},
-      {u"*.*", false, u"noext", true},        {u"*.*", false, u".", true},
-      {u"*", true, u"noext", true},           {u"*", true, u"a.b", false},  // "*."
-      {u"a?", false, u"a", true},             {u"a?", false, u"ab", true},
-      {u"a?", false, u"abc", false},          {u"a?.txt", false, u"a.txt", true},
-      {u"a?b", false, u"a.b", false},         // "?" never takes a dot
-      {u"x.*", false, u"x", true},            {u"x.*", false, u"x.y", true},
-      {u"x.*", false, u"xy", false},          {u"x.?", false, u"x", true},
-      {u"*.l*", false, u"a.lnk.txt", true},   // the "." after "*" may be any dot
-      {u"*", true, u"a.", false},              // "*." never takes the last dot itself
-      {u"*x*", false, u"noext", true},        {u"**a", false, u"bba", true},
-      {u"", false, u"", true},                {u"", false, u"a", false},
-      {u"??", false, u"\u8868", true},       // one unit is one character
+      {u"*.lnk", false, u"x.lnk", true},   {u"*.lnk", false, u"X.LNK", true},    {u"*.lnk", false, u"a.b.lnk", true},
+      {u"*.lnk", false, u"a.lnkx", false}, {u"*.lnk", false, u".lnk", true},     {u"*.lnk", false, u"lnk", false},
+      {u"*.*", false, u"noext", true},     {u"*.*", false, u".", true},          {u"*", true, u"noext", true},
+      {u"*", true, u"a.b", false},  // "*."
+      {u"a?", false, u"a", true},          {u"a?", false, u"ab", true},          {u"a?", false, u"abc", false},
+      {u"a?.txt", false, u"a.txt", true},  {u"a?b", false, u"a.b", false},  // "?" never takes a dot
+      {u"x.*", false, u"x", true},         {u"x.*", false, u"x.y", true},        {u"x.*", false, u"xy", false},
+      {u"x.?", false, u"x", true},         {u"*.l*", false, u"a.lnk.txt", true},  // the "." after "*" may be any dot
+      {u"*", true, u"a.", false},  // "*." never takes the last dot itself
+      {u"*x*", false, u"noext", true},     {u"**a", false, u"bba", true},        {u"", false, u"", true},
+      {u"", false, u"a", false},           {u"??", false, u"\u8868", true},  // one unit is one character
   };
   for (const Row &row : rows) {
     bool matches = MatchesDosMask(FoldName(row.name), DosMask(row.mask, row.endedInDot));
@@ -109,7 +107,7 @@ TEST(PathNames, ListingOrderIsByUpperCaseUnitsThenBytes) {
     return ListsBefore(FoldName(a), Utf8(a), FoldName(b), Utf8(b));
   };
   EXPECT_TRUE(before(u"a.lnk", u"B.lnk"));
-  EXPECT_TRUE(before(u"Z", u"_"));      // 0x5A before 0x5F: upper case, not lower
+  EXPECT_TRUE(before(u"Z", u"_"));  // 0x5A before 0x5F: upper case, not lower
   EXPECT_TRUE(before(u"a.txt", u"ab.txt"));
   EXPECT_TRUE(before(u"A.TXT", u"a.txt"));  // the same name to Windows: by bytes, so the order is stable
   EXPECT_FALSE(before(u"a.txt", u"A.TXT"));
