@@ -13,24 +13,6 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-struct FindResult {
-  bool found;
-  DWORD error;
-  WIN32_FIND_DATAA data;
-};
-
-// One FindFirstFileA, its handle closed again; the record is pre-filled with a pattern to prove it was written.
-FindResult FindFirst(const std::string &pattern) {
-  FindResult result;
-  std::memset(&result.data, 0xCC, sizeof result.data);
-  SetLastError(0xDEADBEEF);
-  HANDLE search = FindFirstFileA(pattern.c_str(), &result.data);
-  result.error = GetLastError();
-  result.found = search != INVALID_HANDLE_VALUE;
-  if (result.found) FindClose(search);
-  return result;
-}
-
 TEST(FindFiles, ListsDotsFirstThenNamesInFileSystemOrder) {
   ScratchFolder folder;
   for (const char *name : {"b.lnk", "_x.txt", "A.lnk", "c.TXT", "Sub"}) {
@@ -158,7 +140,7 @@ TEST(FindFiles, FailuresGiveWindowsErrors) {
       {folder / std::string(MAX_PATH - folder.Path().size(), 'a'), ERROR_FILENAME_EXCED_RANGE},
   };
   for (const ErrorRow &row : rows) {
-    FindResult result = FindFirst(row.pattern);
+    FirstFound result = FindFirst(row.pattern);
     EXPECT_FALSE(result.found) << row.pattern;
     EXPECT_EQ(result.error, row.error) << row.pattern;
   }
@@ -182,7 +164,7 @@ TEST(FindFiles, EntriesCarryAttributesSizeAndTime) {
       {"sub", FILE_ATTRIBUTE_DIRECTORY, 0},
   };
   for (const Row &row : rows) {
-    FindResult result = FindFirst(folder / row.name);
+    FirstFound result = FindFirst(folder / row.name);
     ASSERT_TRUE(result.found) << row.name << " error " << result.error;
     EXPECT_EQ(result.data.dwFileAttributes, row.attributes) << row.name;
     EXPECT_EQ(result.data.nFileSizeLow, row.size) << row.name;
@@ -201,7 +183,7 @@ TEST(FindFiles, NamesAreShiftJisAndWhatItCannotHoldReadsAsQuestionMarks) {
   EXPECT_EQ(Hex(names[2]), Hex("表.lnk"));
   EXPECT_EQ(Hex(names[3]), Hex("?.txt"));
   EXPECT_EQ(Hex(names[4]), Hex("??.txt"));
-  FindResult exact = FindFirst(folder / "表.lnk");
+  FirstFound exact = FindFirst(folder / "表.lnk");
   EXPECT_TRUE(exact.found) << exact.error;
   EXPECT_EQ(Hex(exact.data.cFileName), Hex("表.lnk"));
 }
@@ -209,7 +191,7 @@ TEST(FindFiles, NamesAreShiftJisAndWhatItCannotHoldReadsAsQuestionMarks) {
 TEST(FindFiles, ThereAreNoShortNames) {
   ScratchFolder folder;
   folder.MakeFile("a rather long name.lnk");
-  FindResult result = FindFirst(folder / "a rather long name.lnk");
+  FirstFound result = FindFirst(folder / "a rather long name.lnk");
   ASSERT_TRUE(result.found);
   if (RunningUnderWine()) {
     // Wine makes short names up, as Windows does on volumes that keep them.

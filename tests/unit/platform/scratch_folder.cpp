@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 
 #ifdef _WIN32
@@ -140,6 +141,17 @@ std::vector<std::string> ListNames(const std::string &pattern) {
   while (FindNextFileA(search, &data));
   FindClose(search);
   return names;
+}
+
+FirstFound FindFirst(const std::string &pattern) {
+  FirstFound result;
+  std::memset(&result.data, 0xCC, sizeof result.data);
+  SetLastError(0);
+  HANDLE search = FindFirstFileA(pattern.c_str(), &result.data);
+  result.error = GetLastError();
+  result.found = search != INVALID_HANDLE_VALUE;
+  if (result.found) FindClose(search);
+  return result;
 }
 
 std::string Hex(const std::string &text) {

@@ -17,40 +17,13 @@
 #include <utility>
 #include <vector>
 
+#include "../platform/scratch_folder.h"
 #include "platform/posix/testing.h"
 #include "platform/winapi.h"
 
 namespace {
 
 using Names = std::vector<std::string>;
-
-Names List(const std::string &pattern) {
-  Names names;
-  WIN32_FIND_DATAA data;
-  HANDLE search = FindFirstFileA(pattern.c_str(), &data);
-  if (search == INVALID_HANDLE_VALUE) return names;
-  do names.push_back(data.cFileName);
-  while (FindNextFileA(search, &data));
-  FindClose(search);
-  return names;
-}
-
-struct Found {
-  bool found;
-  DWORD error;
-  WIN32_FIND_DATAA data;
-};
-
-Found FindOne(const std::string &pattern) {
-  Found result;
-  std::memset(&result.data, 0xCC, sizeof result.data);
-  SetLastError(0);
-  HANDLE search = FindFirstFileA(pattern.c_str(), &result.data);
-  result.error = GetLastError();
-  result.found = search != INVALID_HANDLE_VALUE;
-  if (result.found) FindClose(search);
-  return result;
-}
 
 DWORD ErrorOf(DWORD attributes) { return attributes == INVALID_FILE_ATTRIBUTES ? GetLastError() : 0; }
 
@@ -156,12 +129,12 @@ TEST_F(LinuxDisk, TheCurrentFolderIsTheProcessFolderByTheLongestRoot) {
 TEST_F(LinuxDisk, ANameAsWrittenWinsOverItsOtherCases) {
   Touch("a.txt", "lower");
   Touch("A.TXT", "upper");
-  EXPECT_STREQ(FindOne("T:\\A.TXT").data.cFileName, "A.TXT");
-  EXPECT_STREQ(FindOne("T:\\a.txt").data.cFileName, "a.txt");
+  EXPECT_STREQ(FindFirst("T:\\A.TXT").data.cFileName, "A.TXT");
+  EXPECT_STREQ(FindFirst("T:\\a.txt").data.cFileName, "a.txt");
   // Neither as written: the first in listing order, which for one name in two cases is by bytes.
-  EXPECT_STREQ(FindOne("T:\\a.Txt").data.cFileName, "A.TXT");
+  EXPECT_STREQ(FindFirst("T:\\a.Txt").data.cFileName, "A.TXT");
   // A drive root lists no "." and "..".
-  EXPECT_EQ(List("T:\\*"), (Names{"A.TXT", "a.txt"}));
+  EXPECT_EQ(ListNames("T:\\*"), (Names{"A.TXT", "a.txt"}));
 }
 
 TEST_F(LinuxDisk, NamesSpelledAsOnDiskCostNoFolderReads) {
@@ -170,11 +143,11 @@ TEST_F(LinuxDisk, NamesSpelledAsOnDiskCostNoFolderReads) {
   Touch("One/Two/f.lnk");
   size_t before = TestFolderReads();
   EXPECT_EQ(GetFileAttributesA("T:\\One\\Two\\f.lnk"), FILE_ATTRIBUTE_ARCHIVE);
-  EXPECT_TRUE(FindOne("T:\\One\\Two\\f.lnk").found);
+  EXPECT_TRUE(FindFirst("T:\\One\\Two\\f.lnk").found);
   EXPECT_EQ(TestFolderReads(), before);
   EXPECT_EQ(GetFileAttributesA("T:\\one\\Two\\F.LNK"), FILE_ATTRIBUTE_ARCHIVE);
   EXPECT_EQ(TestFolderReads(), before + 2);  // "one" and "F.LNK" were looked for
-  EXPECT_EQ(List("T:\\One\\Two\\*"), (Names{".", "..", "f.lnk"}));
+  EXPECT_EQ(ListNames("T:\\One\\Two\\*"), (Names{".", "..", "f.lnk"}));
   EXPECT_EQ(TestFolderReads(), before + 3);  // a listing reads its folder once
 }
 
@@ -182,9 +155,9 @@ TEST_F(LinuxDisk, NamesSpelledAsOnDiskCostNoFolderReads) {
 // Result: the number of levels listed and the error that ended it; each level must list `entries`.
 std::pair<int, DWORD> WalkDown(std::string folder, const std::string &link, const Names &entries) {
   for (int levels = 0; levels < MAX_PATH; ++levels) {
-    Found found = FindOne(folder + "\\*");
+    FirstFound found = FindFirst(folder + "\\*");
     if (!found.found) return {levels, found.error};
-    EXPECT_EQ(List(folder + "\\*"), entries) << folder;
+    EXPECT_EQ(ListNames(folder + "\\*"), entries) << folder;
     folder += "\\" + link;
   }
   return {MAX_PATH, 0};
@@ -196,7 +169,7 @@ TEST_F(LinuxDisk, ALinkToAFolderLooksLikeAJunction) {
   Link(".", "d/loop");  // the folder itself
   Link("..", "d/up");   // its parent
   for (const char *name : {"T:\\d\\loop", "T:\\d\\up"}) {
-    Found found = FindOne(name);
+    FirstFound found = FindFirst(name);
     ASSERT_TRUE(found.found) << name;
     EXPECT_EQ(found.data.dwFileAttributes, FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT) << name;
     EXPECT_EQ(found.data.dwReserved0, IO_REPARSE_TAG_SYMLINK) << name;
@@ -242,7 +215,7 @@ TEST_F(LinuxDisk, LinksToFilesAndLinksToNothing) {
       {"self", FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_REPARSE_POINT, 0},
   };
   for (const Row &row : rows) {
-    Found found = FindOne(std::string("T:\\") + row.name);
+    FirstFound found = FindFirst(std::string("T:\\") + row.name);
     ASSERT_TRUE(found.found) << row.name;
     EXPECT_EQ(found.data.dwFileAttributes, row.attributes) << row.name;
     EXPECT_EQ(found.data.nFileSizeLow, row.size) << row.name;
@@ -301,11 +274,11 @@ TEST_F(LinuxDisk, NamesWindowsCannotHoldReadWithMarks) {
   Touch("back\\slash");
   Touch("\xFF-not-utf8");
   // In the order of the names on disk: the byte 0xFF reads as U+FFFD, which comes after the letters.
-  EXPECT_EQ(List("T:\\*"), (Names{"a?b", "back?slash", "?-not-utf8"}));
+  EXPECT_EQ(ListNames("T:\\*"), (Names{"a?b", "back?slash", "?-not-utf8"}));
   // Such a name cannot be opened by what it reads as, just as on Windows, but a wildcard finds it.
   SetLastError(0);
   EXPECT_EQ(ErrorOf(GetFileAttributesA("T:\\a?b")), static_cast<DWORD>(ERROR_INVALID_NAME));
-  EXPECT_TRUE(FindOne("T:\\a?b").found);
+  EXPECT_TRUE(FindFirst("T:\\a?b").found);
 }
 
 TEST_F(LinuxDisk, ListingAChosenFolderCanBeMadeToFail) {
@@ -314,14 +287,14 @@ TEST_F(LinuxDisk, ListingAChosenFolderCanBeMadeToFail) {
   ASSERT_TRUE(TestFailListing("T:\\locked\\", ERROR_ACCESS_DENIED));
   EXPECT_FALSE(TestFailListing("", ERROR_ACCESS_DENIED));
   for (const char *pattern : {"T:\\locked\\*.lnk", "t:\\LOCKED\\*", "T:\\locked\\x.lnk"}) {
-    Found found = FindOne(pattern);
+    FirstFound found = FindFirst(pattern);
     EXPECT_FALSE(found.found) << pattern;
     EXPECT_EQ(found.error, static_cast<DWORD>(ERROR_ACCESS_DENIED)) << pattern;
   }
-  EXPECT_EQ(List("T:\\*"), Names{"locked"});  // its parent still lists it
+  EXPECT_EQ(ListNames("T:\\*"), Names{"locked"});  // its parent still lists it
   EXPECT_EQ(GetFileAttributesA("T:\\locked\\x.lnk"), FILE_ATTRIBUTE_ARCHIVE);
   TestClearFaults();
-  EXPECT_EQ(List("T:\\locked\\*.lnk"), Names{"x.lnk"});
+  EXPECT_EQ(ListNames("T:\\locked\\*.lnk"), Names{"x.lnk"});
 }
 
 TEST_F(LinuxDisk, ChosenCallsCanBeMadeToFail) {
