@@ -5,7 +5,15 @@
 //
 // Drives come from the drive table (KELMARO_DRIVES; Z: is "/" unless set otherwise). Names are matched without case,
 // as Windows matches them; listings come in NTFS order. Each operation sets the last error as Windows does for the
-// same input; where this backend answers differently from Windows, the comment at the operation says so.
+// same input; where this backend answers differently from Windows, the comment at the operation says so. Paths obey
+// Windows' rules (see path_resolver.h), with these Linux facts showing through:
+// - A symbolic link shows as Windows shows its own: FILE_ATTRIBUTE_REPARSE_POINT beside the attributes of its target,
+//   so a link to a folder is a folder, as a junction is; a link to nothing, or a loop of links, is a file. A path
+//   through more than 40 links fails with ERROR_CANT_RESOLVE_FILENAME, as Windows fails beyond 63 reparse points.
+// - A Linux name that ends in a dot or a space is listed as it is but cannot be opened by it, since Windows drops
+//   such an ending from every path; the same holds on Windows for such names. CON, NUL, AUX and the other device
+//   names of Windows are plain names here.
+// - Handles are values in tables of this backend: a file handle is closed by CloseHandle, a search by FindClose.
 #pragma once
 
 #include "platform/posix/win_types.h"
@@ -121,9 +129,9 @@ typedef struct _OVERLAPPED OVERLAPPED, *LPOVERLAPPED;
 // the rest in NTFS order (by the upper-cased UTF-16 name). The mask is matched as NTFS matches it (see DosMask in
 // path_names.h); there are no short names, so a mask never matches through one ("*.lnk" does not find "a.lnkx", which
 // Windows finds through the short name A~1.LNK where short names are made). A mask without wildcards finds its one
-// entry without reading the folder. Errors: ERROR_FILE_NOT_FOUND (no match, or a pattern ending in "\"),
-// ERROR_PATH_NOT_FOUND (no such folder, an empty pattern, an unmapped drive), ERROR_DIRECTORY (the folder is a file),
-// ERROR_INVALID_NAME (a wildcard in the folder part), ERROR_FILENAME_EXCED_RANGE (over MAX_PATH characters),
+// entry, without reading the folder when it is spelled as on disk. Errors: ERROR_FILE_NOT_FOUND (no match, or a pattern
+// ending in "\"), ERROR_PATH_NOT_FOUND (no such folder, an empty pattern, an unmapped drive), ERROR_INVALID_NAME (a
+// wildcard in the folder part, or a file in its place), ERROR_FILENAME_EXCED_RANGE (over MAX_PATH characters),
 // ERROR_ACCESS_DENIED, ERROR_BAD_NETPATH (any network path: there is no network here).
 HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData);
 // The next entry; FALSE with ERROR_NO_MORE_FILES at the end (and on every call after it), ERROR_INVALID_HANDLE for a
@@ -148,7 +156,8 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD shareMode, LPSECU
 BOOL ReadFile(HANDLE file, LPVOID buffer, DWORD bytesToRead, LPDWORD bytesRead, LPOVERLAPPED overlapped);
 // Writes all bytes at the file position (ERROR_DISK_FULL when the disk is full).
 BOOL WriteFile(HANDLE file, LPCVOID buffer, DWORD bytesToWrite, LPDWORD bytesWritten, LPOVERLAPPED overlapped);
-// Closes a file handle; FALSE with ERROR_INVALID_HANDLE for anything else (a search handle is closed by FindClose).
+// Closes a file handle; FALSE with ERROR_INVALID_HANDLE for anything else (a search handle is closed by FindClose),
+// except INVALID_HANDLE_VALUE, the process's own pseudo-handle to Windows, whose "close" succeeds.
 BOOL CloseHandle(HANDLE object);
 // The size's low half (the high half through `fileSizeHigh`); INVALID_FILE_SIZE on failure, and with the last error
 // set to 0 when the low half really is 0xFFFFFFFF.
@@ -160,7 +169,7 @@ BOOL GetFileSizeEx(HANDLE file, PLARGE_INTEGER fileSize);
 BOOL DeleteFileA(LPCSTR fileName);
 // Renames or moves a file or folder; never replaces: ERROR_ALREADY_EXISTS when the new name is taken (a change of case
 // alone is a rename). A file moves to another drive's file system by copy and delete; a folder cannot
-// (ERROR_NOT_SAME_DEVICE).
+// (ERROR_NOT_SAME_DEVICE), nor into itself (ERROR_INVALID_PARAMETER).
 BOOL MoveFileA(LPCSTR existingFileName, LPCSTR newFileName);
 // Creates a folder. ERROR_ALREADY_EXISTS when the name is taken, ERROR_PATH_NOT_FOUND when its parent is missing.
 BOOL CreateDirectoryA(LPCSTR pathName, LPSECURITY_ATTRIBUTES securityAttributes);
@@ -182,12 +191,13 @@ int _access(const char *path, int mode);
 // without terminator, or the size needed with it when the buffer is too small.
 DWORD GetCurrentDirectoryA(DWORD bufferLength, LPSTR buffer);
 // Makes an existing folder current; it is kept as given (made full), so its case is the caller's, as on Windows.
-// ERROR_DIRECTORY for a file. Another drive's current folder is its root: a process that only calls this has no "=X:"
-// variables on Windows either.
+// ERROR_DIRECTORY for a file, ERROR_INVALID_NAME for an empty path. Another drive's current folder is its root: a
+// process that only calls this has no "=X:" variables on Windows either.
 BOOL SetCurrentDirectoryA(LPCSTR pathName);
 // The full form of a path, made without touching the disk: "/" becomes "\", "." and ".." are resolved in the text,
 // a dot at the end of a folder name and dots and spaces at the end of the path are dropped, "\x" starts at the
-// current drive's root, "X:x" at drive X's current folder, "x" at the current folder. `filePart` gets the last name
+// current drive's root, "X:x" at drive X's current folder ("X:" alone is that folder with a trailing backslash, as
+// Wine and recent Windows give it), "x" at the current folder. `filePart` gets the last name
 // (null when the path ends in "\"). Returns the length, or the size needed with the terminator.
 DWORD GetFullPathNameA(LPCSTR fileName, DWORD bufferLength, LPSTR buffer, LPSTR *filePart);
 // Looks for a file (or folder) of that name: with `path` null in the program's folder, the system folder, the Windows
@@ -201,20 +211,21 @@ UINT GetWindowsDirectoryA(LPSTR buffer, UINT size);
 UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
 
 // ---- Drives and volumes --------------------------------------------------------------------------------------------
-// DRIVE_FIXED for a mapped drive whose folder exists, given as "X:", "X:\" or "X:/" (null: the current drive);
-// DRIVE_NO_ROOT_DIR for anything else, network roots included.
+// DRIVE_FIXED for a mapped drive whose folder exists, named by any path on it ("X:", "X:\", "X:\dir\"; null: the
+// current drive); DRIVE_NO_ROOT_DIR for anything else, network roots included.
 UINT GetDriveTypeA(LPCSTR rootPathName);
 // One bit per drive that GetDriveTypeA calls fixed, bit 0 for A:.
 DWORD GetLogicalDrives(void);
-// The volume of a mapped drive's root ("X:\"): no label, a serial number from the file system's id, its longest name,
-// FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK (and FILE_READ_ONLY_VOLUME), and its file system's name in upper
-// case ("EXT4", "TMPFS"; "FAT32", "NTFS", "CDFS" for those). ERROR_DIR_NOT_ROOT for a folder that is not a root,
+// The volume of a mapped drive's root ("X:\" or "X:"): no label, a serial number from the file system's id, its longest
+// name, FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK (and FILE_READ_ONLY_VOLUME), and its file system's name in
+// upper case ("EXT4", "TMPFS"; "FAT32", "NTFS", "CDFS" for those). ERROR_DIR_NOT_ROOT for a folder that is not a root,
 // ERROR_PATH_NOT_FOUND for an unmapped drive, ERROR_BAD_NETPATH for a network root.
 BOOL GetVolumeInformationA(LPCSTR rootPathName, LPSTR volumeNameBuffer, DWORD volumeNameSize,
                            LPDWORD volumeSerialNumber, LPDWORD maximumComponentLength, LPDWORD fileSystemFlags,
                            LPSTR fileSystemNameBuffer, DWORD fileSystemNameSize);
 // The free and total space of the volume that holds a folder (null: the current drive), in clusters of the file
-// system's fragment size as 512-byte sectors; counts beyond 32 bits read 0xFFFFFFFF.
+// system's fragment size as 512-byte sectors; counts beyond 32 bits read 0xFFFFFFFF. ERROR_FILE_NOT_FOUND for a
+// folder that is not there, ERROR_PATH_NOT_FOUND for one whose parent is not, or on an unmapped drive.
 BOOL GetDiskFreeSpaceA(LPCSTR rootPathName, LPDWORD sectorsPerCluster, LPDWORD bytesPerSector,
                        LPDWORD numberOfFreeClusters, LPDWORD totalNumberOfClusters);
 // The same in bytes: free to this process, total, free in all. Any of the three may be null.
@@ -226,5 +237,6 @@ BOOL GetDiskFreeSpaceExA(LPCSTR directoryName, PULARGE_INTEGER freeBytesAvailabl
 BOOL FileTimeToLocalFileTime(const FILETIME *fileTime, LPFILETIME localFileTime);
 // A variable of the process environment, its name matched without case (an exact match first); the value in
 // Shift-JIS. Returns the length, or the size needed with the terminator (the buffer untouched); 0 with
-// ERROR_ENVVAR_NOT_FOUND for a name that is not set.
+// ERROR_ENVVAR_NOT_FOUND for a name that is not set. Success leaves the last error as it was (so an empty value gives
+// 0 without an error of its own).
 DWORD GetEnvironmentVariableA(LPCSTR name, LPSTR buffer, DWORD size);

@@ -75,6 +75,7 @@ bool GiveNext(OpenSearch *search, WIN32_FIND_DATAA *data) {
 DWORD ReadFolder(const std::string &linux, bool isRoot, const std::u16string &dosMask, OpenSearch *search) {
   int folder = open(linux.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (folder < 0) return ErrorFromErrno(errno);
+  CountFolderRead();
   int reading = dup(folder);
   DIR *dir = reading >= 0 ? fdopendir(reading) : nullptr;
   if (!dir) {
@@ -132,17 +133,18 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
   error = FindOnDisk(folderPath, &folder);
   if (error != 0) return Fail(error);
   if (!folder.exists) return Fail(ERROR_PATH_NOT_FOUND);
-  if (!folder.facts.isDirectory) return Fail(ERROR_DIRECTORY);
+  // FindFirstFile("C:\dir\file.txt\*"): NTFS refuses a file's name with a backslash behind it as a bad name.
+  if (!folder.facts.isDirectory) return Fail(ERROR_INVALID_NAME);
   if (ForcedListingFailure(folderPath, &error)) return Fail(error);
   // FindFirstFile("C:\dir\"): the folder is there, but there is no name to look for.
   if (mask.empty()) return Fail(ERROR_FILE_NOT_FOUND);
-  for (char16_t c : mask)
-    if (c < 0x20 || c == u':' || c == u'|') return Fail(ERROR_INVALID_NAME);
 
   OpenSearch search;
   if (!HasWildcard(mask)) {
     DiskPath entry;
     error = FindOnDisk(full, &entry);
+    // The folder is good, so a bad name can only be the last one, which no entry can have: "a|b" finds nothing.
+    if (error == ERROR_INVALID_NAME) error = ERROR_FILE_NOT_FOUND;
     if (error != 0) return Fail(error);
     if (!entry.exists) return Fail(ERROR_FILE_NOT_FOUND);
     search.single = true;

@@ -123,7 +123,8 @@ BOOL SetCurrentDirectoryA(LPCSTR pathName) {
     return FALSE;
   }
   DiskPath path;
-  error = FindProgramPath(pathName, &path);
+  // SetCurrentDirectory(""): ERROR_INVALID_NAME, where most calls say ERROR_PATH_NOT_FOUND for an empty path.
+  error = pathName && !*pathName ? static_cast<DWORD>(ERROR_INVALID_NAME) : FindProgramPath(pathName, &path);
   if (error == 0 && !path.exists) error = ERROR_FILE_NOT_FOUND;
   if (error == 0 && !path.facts.isDirectory) error = ERROR_DIRECTORY;
   if (error == 0 && chdir(path.linux.c_str()) != 0) error = ErrorFromErrno(errno);
@@ -155,8 +156,7 @@ DWORD GetFullPathNameA(LPCSTR fileName, DWORD bufferLength, LPSTR buffer, LPSTR 
   return result;
 }
 
-DWORD SearchPathA(LPCSTR path, LPCSTR fileName, LPCSTR extension, DWORD bufferLength, LPSTR buffer,
-                  LPSTR *filePart) {
+DWORD SearchPathA(LPCSTR path, LPCSTR fileName, LPCSTR extension, DWORD bufferLength, LPSTR buffer, LPSTR *filePart) {
   DWORD error;
   if (ForcedFailure(kFaultSearchPath, &error)) {
     SetLastError(error);
@@ -233,6 +233,6 @@ DWORD GetEnvironmentVariableA(LPCSTR name, LPSTR buffer, DWORD size) {
     SetLastError(ERROR_ENVVAR_NOT_FOUND);
     return 0;
   }
-  SetLastError(0);
+  // Success leaves the last error alone: a caller tells an empty value from a missing one by clearing it first.
   return CopyOut(LocaleToCp932(value), buffer, size);
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/posix/drive_table.h"
+#include "platform/posix/fault_table.h"
 #include "platform/posix/path_names.h"
 
 namespace {
@@ -90,6 +91,7 @@ std::string JoinLinux(const std::string &folder, const std::string &name) {
 // when there is none, or the error of reading the folder.
 DWORD FindIgnoringCase(const std::string &folder, const std::u16string &folded, std::string *found) {
   found->clear();
+  CountFolderRead();
   DIR *dir = opendir(folder.c_str());
   if (!dir) return errno == ENOENT || errno == ENOTDIR ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno);
   std::u16string bestFolded;
@@ -153,8 +155,8 @@ bool MakeFullPath(const std::u16string &given, std::u16string *full) {
       bool currentDrive = current.size() >= 2 && current[1] == u':' && UpperLetter(current[0]) == UpperLetter(path[0]);
       if (currentDrive) {
         root = current.substr(0, 3);
-        rest = current.substr(3);
-        if (path.size() > 2) rest += u"\\" + path.substr(2);
+        // "C:" alone is the current folder with its backslash, as Windows keeps it.
+        rest = current.substr(3) + u"\\" + path.substr(2);
       } else {
         root = path.substr(0, 2) + u"\\";
         rest = path.substr(2);

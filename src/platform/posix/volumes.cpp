@@ -22,12 +22,15 @@ BOOL FailWith(DWORD error) {
   return FALSE;
 }
 
-// The drive letter of a root given as "X:", "X:\" or "X:/"; 0 for anything else.
-char16_t RootLetter(const std::u16string &root) {
-  bool letter = root.size() >= 2 && ((root[0] >= u'A' && root[0] <= u'Z') || (root[0] >= u'a' && root[0] <= u'z'));
-  if (!letter || root[1] != u':') return 0;
-  if (root.size() == 2 || (root.size() == 3 && (root[2] == u'\\' || root[2] == u'/'))) return root[0];
-  return 0;
+// The drive letter of a path that starts "X:"; 0 for anything else.
+char16_t DriveLetter(const std::u16string &path) {
+  bool letter = path.size() >= 2 && ((path[0] >= u'A' && path[0] <= u'Z') || (path[0] >= u'a' && path[0] <= u'z'));
+  return letter && path[1] == u':' ? path[0] : 0;
+}
+
+// True for a drive root given as "X:", "X:\" or "X:/".
+bool IsDriveRoot(const std::u16string &path) {
+  return DriveLetter(path) != 0 && (path.size() == 2 || (path.size() == 3 && (path[2] == u'\\' || path[2] == u'/')));
 }
 
 bool DriveIsThere(char16_t letter) {
@@ -64,8 +67,8 @@ std::string FileSystemName(const std::string &folder) {
   bool found = false;
   while (mounts >> device >> mountPoint >> type && std::getline(mounts, rest)) {
     std::string point = Unescape(mountPoint);
-    bool holds = point == "/" || path == point || (path.compare(0, point.size(), point) == 0 &&
-                                                   path.size() > point.size() && path[point.size()] == '/');
+    bool holds = point == "/" || path == point ||
+                 (path.compare(0, point.size(), point) == 0 && path.size() > point.size() && path[point.size()] == '/');
     // A later mount on the same point hides the earlier one.
     if (holds && (!found || point.size() >= bestLength)) {
       best = type;
@@ -93,7 +96,7 @@ DWORD VolumeOf(LPCSTR path, struct statvfs *volume) {
     error = FindOnDisk(CurrentDriveRoot(), &found);
   }
   if (error != 0) return error;
-  if (!found.exists) return ERROR_PATH_NOT_FOUND;
+  if (!found.exists) return ERROR_FILE_NOT_FOUND;
   if (statvfs(found.linux.c_str(), volume) != 0) return ErrorFromErrno(errno);
   return 0;
 }
@@ -101,8 +104,9 @@ DWORD VolumeOf(LPCSTR path, struct statvfs *volume) {
 }  // namespace
 
 UINT GetDriveTypeA(LPCSTR rootPathName) {
+  // Any path on a drive tells that drive's type, as Windows answers for "C:\Windows\" too.
   std::u16string root = rootPathName ? ProgramToUtf16(rootPathName) : CurrentDriveRoot();
-  char16_t letter = RootLetter(root);
+  char16_t letter = DriveLetter(root);
   return letter != 0 && DriveIsThere(letter) ? DRIVE_FIXED : DRIVE_NO_ROOT_DIR;
 }
 
@@ -121,12 +125,10 @@ BOOL GetVolumeInformationA(LPCSTR rootPathName, LPSTR volumeNameBuffer, DWORD vo
   std::u16string root = rootPathName ? ProgramToUtf16(rootPathName) : CurrentDriveRoot();
   if (root.size() >= 2 && (root[0] == u'\\' || root[0] == u'/') && (root[1] == u'\\' || root[1] == u'/'))
     return FailWith(ERROR_BAD_NETPATH);
-  char16_t letter = RootLetter(root);
-  if (letter == 0 || root.size() != 3) {
-    // "C:\Windows\": a folder, but not the root of a volume.
-    bool onDrive = root.size() >= 3 && root[1] == u':';
-    return FailWith(onDrive && letter == 0 ? ERROR_DIR_NOT_ROOT : ERROR_INVALID_NAME);
-  }
+  char16_t letter = DriveLetter(root);
+  // "C:\Windows\": a folder, but not the root of a volume.
+  if (letter == 0) return FailWith(ERROR_INVALID_NAME);
+  if (!IsDriveRoot(root)) return FailWith(ERROR_DIR_NOT_ROOT);
   if (!DriveIsThere(letter)) return FailWith(ERROR_PATH_NOT_FOUND);
   std::string linux = DriveRootOf(letter);
   struct statvfs volume;

@@ -5,6 +5,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <ctime>
 
 #ifdef _WIN32
 #include <wchar.h>
@@ -89,7 +91,9 @@ void ScratchFolder::Create() {
   if (base.back() == '\\') base.pop_back();
   process = static_cast<unsigned long>(getpid());
 #endif
-  path_ = base + "\\kelmaro-" + std::to_string(process) + "-" + std::to_string(++counter);
+  // Wine gives every run the same process id, so the time of day keeps runs apart.
+  unsigned long stamp = static_cast<unsigned long>(std::time(nullptr) % 1000000);
+  path_ = base + "\\kelmaro-" + std::to_string(process) + "-" + std::to_string(stamp) + "-" + std::to_string(++counter);
   ASSERT_TRUE(CreateDirectoryA(path_.c_str(), nullptr)) << path_ << " error " << GetLastError();
 }
 
@@ -139,6 +143,17 @@ std::vector<std::string> ListNames(const std::string &pattern) {
   return names;
 }
 
+FirstFound FindFirst(const std::string &pattern) {
+  FirstFound result;
+  std::memset(&result.data, 0xCC, sizeof result.data);
+  SetLastError(0);
+  HANDLE search = FindFirstFileA(pattern.c_str(), &result.data);
+  result.error = GetLastError();
+  result.found = search != INVALID_HANDLE_VALUE;
+  if (result.found) FindClose(search);
+  return result;
+}
+
 std::string Hex(const std::string &text) {
   std::string out;
   char byte[4];
@@ -147,6 +162,21 @@ std::string Hex(const std::string &text) {
     out += byte;
   }
   return out;
+}
+
+bool WineRunsAsRoot() {
+  if (!RunningUnderWine()) return false;
+  // Wine's Z: is the Linux root, so the process can read its own status there.
+  HANDLE status =
+      CreateFileA("Z:\\proc\\self\\status", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+  if (status == INVALID_HANDLE_VALUE) return false;
+  std::string text(4096, '\0');
+  DWORD got = 0;
+  ReadFile(status, &text[0], static_cast<DWORD>(text.size()), &got, nullptr);
+  CloseHandle(status);
+  text.resize(got);
+  size_t uid = text.find("\nUid:");
+  return uid != std::string::npos && std::strtoul(text.c_str() + uid + 5, nullptr, 10) == 0;
 }
 
 bool RunningUnderWine() {
