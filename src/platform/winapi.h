@@ -92,6 +92,8 @@ typedef short SHORT;
 SHORT GetAsyncKeyState(int virtualKey);
 int GetSystemMetrics(int index);
 
+#include "platform/posix/files.h"
+
 #endif  // _WIN32
 
 // ---- Ours on both platforms ----------------------------------------------------------------------------------------

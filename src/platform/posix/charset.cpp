@@ -8,6 +8,8 @@
 #include <strings.h>
 
 #include <cstring>
+#include <map>
+#include <utility>
 
 namespace {
 
@@ -32,9 +34,24 @@ size_t CharacterLength(const unsigned char *text, size_t left, bool fromCp932, b
   return 1;
 }
 
-std::string Convert(const std::string &text, const char *from, const char *to) {
+// One conversion descriptor per pair of charsets for the life of the process: a listing converts every name it
+// returns, and opening a descriptor costs far more than a conversion.
+iconv_t Descriptor(const char *from, const char *to) {
+  static std::map<std::pair<std::string, std::string>, iconv_t> open;
+  auto key = std::make_pair(std::string(from), std::string(to));
+  auto found = open.find(key);
+  if (found != open.end()) return found->second;
   iconv_t cd = iconv_open(to, from);
+  if (cd != reinterpret_cast<iconv_t>(-1)) open[key] = cd;
+  return cd;
+}
+
+// `unitMarks`: an unconvertible character from UTF-8 gives one "?" for each UTF-16 unit it would take on Windows, so
+// a character outside the BMP (four bytes of UTF-8) gives "??".
+std::string Convert(const std::string &text, const char *from, const char *to, bool unitMarks = false) {
+  iconv_t cd = Descriptor(from, to);
   if (cd == reinterpret_cast<iconv_t>(-1)) return text;
+  iconv(cd, nullptr, nullptr, nullptr, nullptr);
   bool fromCp932 = strcasecmp(from, "CP932") == 0;
   bool fromUtf8 = strcasecmp(from, "UTF-8") == 0;
   std::string out;
@@ -54,10 +71,10 @@ std::string Convert(const std::string &text, const char *from, const char *to) {
       in += skip;
       inLeft -= skip;
       out.push_back('?');
+      if (unitMarks && fromUtf8 && skip == 4) out.push_back('?');
       iconv(cd, nullptr, nullptr, nullptr, nullptr);
     }
   }
-  iconv_close(cd);
   return out;
 }
 
@@ -65,6 +82,7 @@ std::string Convert(const std::string &text, const char *from, const char *to) {
 
 std::string Cp932ToUtf8(const std::string &text) { return Convert(text, "CP932", "UTF-8"); }
 std::string Utf8ToCp932(const std::string &text) { return Convert(text, "UTF-8", "CP932"); }
+std::string Utf8NameToCp932(const std::string &text) { return Convert(text, "UTF-8", "CP932", true); }
 
 std::string Cp932ToLocale(const std::string &text) {
   return LocaleCharset().empty() ? text : Convert(text, "CP932", LocaleCharset().c_str());

@@ -8,6 +8,9 @@
 // in the source charset become "?" too. Nothing is ever dropped silently.
 std::string Cp932ToUtf8(const std::string &text);
 std::string Utf8ToCp932(const std::string &text);
+// As Utf8ToCp932, for a file name as Windows' "A" calls show it: an unconvertible character outside the BMP reads
+// "??", one "?" for each of its two UTF-16 units.
+std::string Utf8NameToCp932(const std::string &text);
 
 // The locale's charset, as chosen at start-up. In the C locale, and where the locale is Shift-JIS itself, these pass
 // bytes through unchanged.

@@ -1,0 +1,352 @@
+// Making Windows paths full and finding them on the Linux disk, for the Linux backend.
+#include "platform/posix/path_resolver.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <vector>
+
+#include "platform/posix/drive_table.h"
+#include "platform/posix/path_names.h"
+
+namespace {
+
+struct CurrentFolderState {
+  bool known = false;
+  std::u16string folder;
+};
+
+CurrentFolderState &Current() {
+  static CurrentFolderState state;
+  return state;
+}
+
+bool IsLetter(char16_t c) { return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z'); }
+char16_t UpperLetter(char16_t c) { return (c >= u'a' && c <= u'z') ? static_cast<char16_t>(c - u'a' + u'A') : c; }
+
+// Characters that no Windows name may hold.
+bool IsBadNameUnit(char16_t c) {
+  return c < 0x20 || c == u'*' || c == u'?' || c == u'<' || c == u'>' || c == u':' || c == u'"' || c == u'|';
+}
+
+// Resolves "." and ".." among the names behind a root and trims dots the way Windows does: a name followed by "\"
+// loses one trailing dot ("a.\b" is "a\b"), and the path loses all trailing dots and spaces unless it ends in "\".
+std::u16string Normalise(const std::u16string &root, const std::u16string &rest) {
+  std::vector<std::u16string> names;
+  size_t i = 0;
+  bool endsInSeparator = false;
+  while (i < rest.size()) {
+    size_t end = i;
+    while (end < rest.size() && rest[end] != u'\\') ++end;
+    std::u16string name = rest.substr(i, end - i);
+    bool followed = end < rest.size();
+    if (name == u".") {
+    } else if (name == u"..") {
+      if (!names.empty()) names.pop_back();
+    } else if (!name.empty()) {
+      if (followed && name.back() == u'.') name.pop_back();
+      names.push_back(name);
+    }
+    if (followed) {
+      endsInSeparator = true;
+      i = end + 1;
+      while (i < rest.size() && rest[i] == u'\\') ++i;
+      if (i < rest.size()) endsInSeparator = false;
+    } else {
+      endsInSeparator = false;
+      i = end;
+    }
+  }
+  std::u16string full = root;
+  for (size_t k = 0; k < names.size(); ++k) {
+    if (k > 0) full += u'\\';
+    full += names[k];
+  }
+  if (endsInSeparator && !names.empty()) {
+    full += u'\\';
+  } else {
+    size_t keep = full.size();
+    while (keep > root.size() && (full[keep - 1] == u'.' || full[keep - 1] == u' ')) --keep;
+    full.resize(keep);
+  }
+  return full;
+}
+
+// The root of the current drive: "C:\" (or "\\server\share\" if the current folder were on the network).
+std::u16string CurrentRoot() {
+  const std::u16string &current = CurrentFolder();
+  if (current.size() >= 2 && current[1] == u':') return current.substr(0, 2) + u"\\";
+  return u"\\";
+}
+
+std::string JoinLinux(const std::string &folder, const std::string &name) {
+  if (folder == "/") return "/" + name;
+  return folder + "/" + name;
+}
+
+// Looks in a folder for an entry whose name equals `folded` without case. Result: 0 with `*found` set, 0 with it empty
+// when there is none, or the error of reading the folder.
+DWORD FindIgnoringCase(const std::string &folder, const std::u16string &folded, std::string *found) {
+  found->clear();
+  DIR *dir = opendir(folder.c_str());
+  if (!dir) return errno == ENOENT || errno == ENOTDIR ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno);
+  std::u16string bestFolded;
+  while (struct dirent *entry = readdir(dir)) {
+    std::string name = entry->d_name;
+    if (name == "." || name == "..") continue;
+    std::u16string key = FoldName(Utf8ToUtf16(name));
+    if (key != folded) continue;
+    if (found->empty() || ListsBefore(key, name, bestFolded, *found)) {
+      *found = name;
+      bestFolded = key;
+    }
+  }
+  closedir(dir);
+  return 0;
+}
+
+}  // namespace
+
+DWORD ProgramPathToUtf16(const char *path, std::u16string *out) {
+  out->clear();
+  if (!path) return ERROR_PATH_NOT_FOUND;
+  *out = ProgramToUtf16(path);
+  // An "A" call converts its path into a buffer of MAX_PATH + 1 units, terminator included.
+  if (out->size() > MAX_PATH) return ERROR_FILENAME_EXCED_RANGE;
+  return 0;
+}
+
+bool MakeFullPath(const std::u16string &given, std::u16string *full) {
+  full->clear();
+  if (given.empty()) return false;
+  std::u16string path = given;
+  for (char16_t &c : path)
+    if (c == u'/') c = u'\\';
+
+  if (path.size() >= 2 && path[0] == u'\\' && path[1] == u'\\') {
+    if (path.size() >= 3 && (path[2] == u'?' || path[2] == u'.') && (path.size() == 3 || path[3] == u'\\')) {
+      *full = path;
+      return true;
+    }
+    // "\\server\share" is the root; ".." never climbs above it.
+    size_t end = 2;
+    for (int names = 0; names < 2 && end < path.size(); ++names) {
+      while (end < path.size() && path[end] != u'\\') ++end;
+      if (names == 0 && end < path.size()) ++end;
+    }
+    std::u16string root = path.substr(0, end);
+    std::u16string rest = end < path.size() ? path.substr(end + 1) : std::u16string();
+    if (end < path.size()) root += u'\\';
+    *full = Normalise(root, rest);
+    return true;
+  }
+
+  std::u16string root, rest;
+  if (path.size() >= 2 && IsLetter(path[0]) && path[1] == u':') {
+    if (path.size() >= 3 && path[2] == u'\\') {
+      root = path.substr(0, 3);
+      rest = path.substr(3);
+    } else {
+      const std::u16string &current = CurrentFolder();
+      bool currentDrive = current.size() >= 2 && current[1] == u':' && UpperLetter(current[0]) == UpperLetter(path[0]);
+      if (currentDrive) {
+        root = current.substr(0, 3);
+        // "C:" alone is the current folder with its backslash, as Windows keeps it.
+        rest = current.substr(3) + u"\\" + path.substr(2);
+      } else {
+        root = path.substr(0, 2) + u"\\";
+        rest = path.substr(2);
+      }
+    }
+  } else if (path[0] == u'\\') {
+    root = CurrentRoot();
+    rest = path.substr(1);
+  } else {
+    const std::u16string &current = CurrentFolder();
+    root = current.substr(0, 3);
+    rest = current.substr(3) + u"\\" + path;
+  }
+  *full = Normalise(root, rest);
+  return true;
+}
+
+size_t LastNameStart(const std::u16string &full) {
+  size_t slash = full.rfind(u'\\');
+  return slash == std::u16string::npos ? 0 : slash + 1;
+}
+
+std::u16string FolderOf(const std::u16string &full) {
+  size_t start = LastNameStart(full);
+  if (start == 0) return std::u16string();
+  std::u16string folder = full.substr(0, start);
+  if (!(folder.size() == 3 && folder[1] == u':') && folder.size() > 1) folder.pop_back();
+  return folder;
+}
+
+std::string DriveRootOf(char16_t letter) {
+  if (!IsLetter(letter)) return std::string();
+  return DriveRoot(static_cast<char>(letter));
+}
+
+DWORD FindOnDisk(const std::u16string &full, DiskPath *path) {
+  *path = DiskPath();
+  path->full = full;
+  if (full.size() >= 2 && full[0] == u'\\' && full[1] == u'\\') return ERROR_BAD_NETPATH;
+  if (full.size() < 3 || !IsLetter(full[0]) || full[1] != u':' || full[2] != u'\\') return ERROR_PATH_NOT_FOUND;
+  std::string root = DriveRootOf(full[0]);
+  if (root.empty()) return ERROR_PATH_NOT_FOUND;
+
+  std::vector<std::string> names;
+  size_t i = 3;
+  while (i < full.size()) {
+    size_t end = full.find(u'\\', i);
+    if (end == std::u16string::npos) end = full.size();
+    std::u16string name = full.substr(i, end - i);
+    for (char16_t c : name)
+      if (IsBadNameUnit(c)) return ERROR_INVALID_NAME;
+    if (!name.empty()) names.push_back(Utf16ToUtf8(name));
+    if (end == full.size() - 1) path->endsInSeparator = true;
+    i = end + 1;
+  }
+
+  if (names.empty()) {
+    path->isRoot = true;
+    path->linux = root;
+    int error = ReadEntryFacts(AT_FDCWD, root.c_str(), &path->facts);
+    if (error != 0 || !path->facts.isDirectory) return ERROR_PATH_NOT_FOUND;
+    path->exists = true;
+    return 0;
+  }
+
+  // Every name as written: one call.
+  std::string linux = root;
+  for (const std::string &name : names) linux = JoinLinux(linux, name);
+  int error = ReadEntryFacts(AT_FDCWD, linux.c_str(), &path->facts);
+  if (error == 0) {
+    path->linux = linux;
+    path->diskName = names.back();
+    path->exists = true;
+  } else if (error != ENOENT && error != ENOTDIR) {
+    return ErrorFromErrno(error);
+  } else {
+    // Name by name, from the root; a name not there as written is looked for without case.
+    std::string folder = root;
+    EntryFacts facts;
+    if (ReadEntryFacts(AT_FDCWD, root.c_str(), &facts) != 0 || !facts.isDirectory) return ERROR_PATH_NOT_FOUND;
+    for (size_t k = 0; k < names.size(); ++k) {
+      bool last = k + 1 == names.size();
+      std::string candidate = JoinLinux(folder, names[k]);
+      error = ReadEntryFacts(AT_FDCWD, candidate.c_str(), &facts);
+      if (error == ENOENT) {
+        std::string found;
+        DWORD failure = FindIgnoringCase(folder, FoldName(Utf8ToUtf16(names[k])), &found);
+        if (failure != 0) return failure;
+        if (!found.empty()) {
+          names[k] = found;
+          candidate = JoinLinux(folder, found);
+          error = ReadEntryFacts(AT_FDCWD, candidate.c_str(), &facts);
+        }
+      }
+      if (error == ENOENT && last) {
+        path->linux = candidate;
+        path->diskName = names[k];
+        return 0;
+      }
+      if (error == ENOENT || error == ENOTDIR) return ERROR_PATH_NOT_FOUND;
+      if (error != 0) return ErrorFromErrno(error);
+      if (!last && !facts.isDirectory) return ERROR_PATH_NOT_FOUND;
+      folder = candidate;
+    }
+    path->linux = folder;
+    path->diskName = names.back();
+    path->facts = facts;
+    path->exists = true;
+  }
+  // NTFS refuses a file's name with a backslash behind it as a bad name.
+  if (path->endsInSeparator && !path->facts.isDirectory) return ERROR_INVALID_NAME;
+  return 0;
+}
+
+DWORD FindProgramPath(const char *path, DiskPath *found) {
+  *found = DiskPath();
+  std::u16string wide, full;
+  DWORD error = ProgramPathToUtf16(path, &wide);
+  if (error != 0) return error;
+  if (!MakeFullPath(wide, &full)) return ERROR_PATH_NOT_FOUND;
+  return FindOnDisk(full, found);
+}
+
+DWORD ErrorFromErrno(int error) {
+  switch (error) {
+    case 0:
+      return 0;
+    case ENOENT:
+      return ERROR_FILE_NOT_FOUND;
+    case ENOTDIR:
+      return ERROR_PATH_NOT_FOUND;
+    case EACCES:
+    case EPERM:
+    case EISDIR:
+      return ERROR_ACCESS_DENIED;
+    case EEXIST:
+      return ERROR_ALREADY_EXISTS;
+    case ENOTEMPTY:
+      return ERROR_DIR_NOT_EMPTY;
+    case ENOSPC:
+      return ERROR_DISK_FULL;
+    case EDQUOT:
+      return ERROR_DISK_QUOTA_EXCEEDED;
+    case EROFS:
+      return ERROR_WRITE_PROTECT;
+    case ENAMETOOLONG:
+      return ERROR_FILENAME_EXCED_RANGE;
+    case ELOOP:
+      return ERROR_CANT_RESOLVE_FILENAME;
+    case EXDEV:
+      return ERROR_NOT_SAME_DEVICE;
+    case EBUSY:
+      return ERROR_BUSY;
+    case ETXTBSY:
+      return ERROR_SHARING_VIOLATION;
+    case EMFILE:
+    case ENFILE:
+      return ERROR_TOO_MANY_OPEN_FILES;
+    case ENOMEM:
+      return ERROR_NOT_ENOUGH_MEMORY;
+    case EINVAL:
+      return ERROR_INVALID_PARAMETER;
+    case EBADF:
+      return ERROR_INVALID_HANDLE;
+    case EIO:
+      return ERROR_IO_DEVICE;
+    default:
+      return ERROR_GEN_FAILURE;
+  }
+}
+
+const std::u16string &CurrentFolder(void) {
+  CurrentFolderState &state = Current();
+  if (!state.known) {
+    state.folder.clear();
+    std::vector<char> buffer(4096);
+    std::string drivePath;
+    if (getcwd(buffer.data(), buffer.size()) && LinuxPathToDrivePath(buffer.data(), &drivePath))
+      state.folder = Utf8ToUtf16(drivePath);
+    for (char letter = 'A'; state.folder.empty() && letter <= 'Z'; ++letter)
+      if (!DriveRoot(letter).empty()) state.folder = std::u16string(1, static_cast<char16_t>(letter)) + u":\\";
+    if (state.folder.empty()) state.folder = u"C:\\";
+    state.known = true;
+  }
+  return state.folder;
+}
+
+void SetCurrentFolder(const std::u16string &full) {
+  CurrentFolderState &state = Current();
+  state.folder = full;
+  if (state.folder.size() > 3 && state.folder.back() == u'\\') state.folder.pop_back();
+  state.known = true;
+}
+
+void ForgetCurrentFolder(void) { Current().known = false; }

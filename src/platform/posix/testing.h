@@ -1,0 +1,19 @@
+// Hooks by which tests steer the Linux backend's file system: forced failures of its operations and the drive table.
+// Nothing outside tests/ includes this header.
+#pragma once
+
+#include "platform/winapi.h"
+
+// Makes calls of one operation, named as in Windows ("FindFirstFileA", "CreateFileA", "ReadFile", "DeleteFileA" ...),
+// fail with `error` as their last error: the next `skip` calls still go through, then `count` calls fail (-1: every
+// call from then on). A failing call changes nothing on disk. Result: false for an operation the table does not know.
+bool TestFailCalls(const char *operation, DWORD error, int count = 1, int skip = 0);
+// Listing `folder` (FindFirstFileA on any pattern in it) fails with `error` until TestClearFaults. The folder is given
+// as the program gives paths and compared, once made full, without case. Result: false for a path that is not valid.
+bool TestFailListing(const char *folder, DWORD error);
+// Ends all forced failures.
+void TestClearFaults(void);
+
+// Uses `drives`, in the form of KELMARO_DRIVES ("C=/srv/c;D=/mnt/d"), as the drive table (null: none set, so only Z:
+// is "/"), and reads the current folder anew in the light of it.
+void TestSetDrives(const char *drives);

@@ -1,0 +1,222 @@
+// Listing folders (FindFirstFileA, FindNextFileA, FindClose): order, masks, names, attributes and errors, checked
+// against the Linux backend on the host and against Windows' own calls under Wine.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "platform/winapi.h"
+#include "scratch_folder.h"
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+struct FindResult {
+  bool found;
+  DWORD error;
+  WIN32_FIND_DATAA data;
+};
+
+// One FindFirstFileA, its handle closed again; the record is pre-filled with a pattern to prove it was written.
+FindResult FindFirst(const std::string &pattern) {
+  FindResult result;
+  std::memset(&result.data, 0xCC, sizeof result.data);
+  SetLastError(0xDEADBEEF);
+  HANDLE search = FindFirstFileA(pattern.c_str(), &result.data);
+  result.error = GetLastError();
+  result.found = search != INVALID_HANDLE_VALUE;
+  if (result.found) FindClose(search);
+  return result;
+}
+
+TEST(FindFiles, ListsDotsFirstThenNamesInFileSystemOrder) {
+  ScratchFolder folder;
+  for (const char *name : {"b.lnk", "_x.txt", "A.lnk", "c.TXT", "Sub"}) {
+    if (std::string(name) == "Sub")
+      folder.MakeFolder(name);
+    else
+      folder.MakeFile(name);
+  }
+  // NTFS orders by the upper-cased name, so "_" (0x5F) comes after every letter; a lower-case order would put it first.
+  Names expected = {".", "..", "A.lnk", "b.lnk", "c.TXT", "Sub", "_x.txt"};
+  EXPECT_EQ(ListNames(folder / "*"), expected);
+}
+
+TEST(FindFiles, AFolderWithNothingInItStillHasItsDots) {
+  ScratchFolder folder;
+  folder.MakeFolder("empty");
+  EXPECT_EQ(ListNames(folder / "empty\\*"), (Names{".", ".."}));
+  EXPECT_EQ(ListNames(folder / "empty\\*.lnk"), Names{});
+}
+
+struct MaskRow {
+  const char *mask;
+  Names expected;
+  Names wine;  // Wine's answer where it is not Windows' (empty: the same)
+};
+
+TEST(FindFiles, MasksMatchAsTheFileSystemMatchesThem) {
+  ScratchFolder folder;
+  for (const char *name :
+       {"x.lnk", "Y.LNK", "a.b.lnk", "lnk", "noext", "two.dots.txt", "a.lnkx", "ab.txt", "a.txt", "abc.txt"})
+    folder.MakeFile(name);
+  folder.MakeFolder("dir.lnk");
+  const Names all = {"a.b.lnk", "a.lnkx", "a.txt", "ab.txt", "abc.txt", "dir.lnk",
+                     "lnk",     "noext",  "two.dots.txt", "x.lnk", "Y.LNK"};
+  Names withDots = {".", ".."};
+  withDots.insert(withDots.end(), all.begin(), all.end());
+  const MaskRow rows[] = {
+      // Wine also finds "a.lnkx", through the short name A~XXXX.LNK that it makes up; so does Windows where short
+      // names are made. There are none here.
+      {"*.lnk", {"a.b.lnk", "dir.lnk", "x.lnk", "Y.LNK"}, {"a.b.lnk", "a.lnkx", "dir.lnk", "x.lnk", "Y.LNK"}},
+      {"*", withDots, {}},
+      {"*.*", withDots, {}},  // "*.*" is "*": names without a dot match
+      // Only names without a dot. Wine drops the dot with the path's trailing dots and lists everything.
+      {"*.", {"lnk", "noext"}, withDots},
+      // "?" may match nothing before a dot (Wine's "?" always takes one character).
+      {"a?.txt", {"a.txt", "ab.txt"}, {"ab.txt"}},
+      {"a??.txt", {"a.txt", "ab.txt", "abc.txt"}, {"abc.txt"}},
+      {"A*", {"a.b.lnk", "a.lnkx", "a.txt", "ab.txt", "abc.txt"}, {}},
+      {"noext.*", {"noext"}, {}},                                             // ".*" may match nothing at the end
+      {"*.l*", {"a.b.lnk", "a.lnkx", "dir.lnk", "x.lnk", "Y.LNK"}, {}},  // "*." stops at the last dot
+      {"*x*", {"a.lnkx", "a.txt", "ab.txt", "abc.txt", "noext", "two.dots.txt", "x.lnk"}, {}},
+      {"X.LNK", {"x.lnk"}, {}},  // no wildcard: the one name, spelled as on disk
+  };
+  for (const MaskRow &row : rows) {
+    const Names &expected = row.wine.empty() ? row.expected : WindowsOrWine(row.expected, row.wine);
+    EXPECT_EQ(ListNames(folder / row.mask), expected) << row.mask;
+  }
+}
+
+TEST(FindFiles, ANameWithoutWildcardsGivesOneEntryThenTheEnd) {
+  ScratchFolder folder;
+  folder.MakeFile("Notes.TXT", "12345");
+  WIN32_FIND_DATAA data;
+  HANDLE search = FindFirstFileA((folder / "notes.txt").c_str(), &data);
+  ASSERT_NE(search, INVALID_HANDLE_VALUE) << GetLastError();
+  EXPECT_STREQ(data.cFileName, "Notes.TXT");
+  EXPECT_EQ(data.nFileSizeLow, 5u);
+  EXPECT_EQ(data.nFileSizeHigh, 0u);
+  SetLastError(0);
+  EXPECT_FALSE(FindNextFileA(search, &data));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NO_MORE_FILES));
+  EXPECT_TRUE(FindClose(search));
+}
+
+TEST(FindFiles, DotsInAPatternAreResolvedBeforeTheSearch) {
+  ScratchFolder folder;
+  folder.MakeFolder("dir");
+  std::string own = folder.Path().substr(folder.Path().rfind('\\') + 1);
+  EXPECT_EQ(ListNames(folder / "dir\\."), Names{"dir"});  // "C:\x\dir\." is "C:\x\dir": the entry dir in C:\x
+  EXPECT_EQ(ListNames(folder / "dir\\.."), Names{own});
+}
+
+TEST(FindFiles, TheEndOfAListingStaysTheEndAndAClosedSearchIsGone) {
+  ScratchFolder folder;
+  folder.MakeFile("only.lnk");
+  WIN32_FIND_DATAA data;
+  HANDLE search = FindFirstFileA((folder / "*.lnk").c_str(), &data);
+  ASSERT_NE(search, INVALID_HANDLE_VALUE);
+  for (int call = 0; call < 2; ++call) {
+    SetLastError(0);
+    EXPECT_FALSE(FindNextFileA(search, &data)) << call;
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NO_MORE_FILES)) << call;
+  }
+  EXPECT_TRUE(FindClose(search));
+  SetLastError(0);
+  EXPECT_FALSE(FindClose(INVALID_HANDLE_VALUE));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+}
+
+struct ErrorRow {
+  std::string pattern;
+  DWORD error;
+};
+
+TEST(FindFiles, FailuresGiveWindowsErrors) {
+  ScratchFolder folder;
+  folder.MakeFile("file.txt");
+  folder.MakeFolder("dir");
+  const ErrorRow rows[] = {
+      {"", ERROR_PATH_NOT_FOUND},
+      {folder / "", ERROR_FILE_NOT_FOUND},  // a pattern that ends in "\" names no entry
+      {folder / "dir\\", ERROR_FILE_NOT_FOUND},
+      {folder / "*.nothing", ERROR_FILE_NOT_FOUND},
+      {folder / "absent.txt", ERROR_FILE_NOT_FOUND},
+      {folder / "absent\\*", ERROR_PATH_NOT_FOUND},
+      {folder / "absent\\deeper\\*", ERROR_PATH_NOT_FOUND},
+      {folder / "file.txt\\*", ERROR_INVALID_NAME},  // a file's name with a backslash behind it
+      {folder / "d*\\*", ERROR_INVALID_NAME},
+      {folder / "a|b", ERROR_FILE_NOT_FOUND},  // a name no entry can have
+      {"Q:\\*", ERROR_PATH_NOT_FOUND},         // no such drive
+      // There is no network here; Windows says this of a server that does not answer, Wine of any.
+      {"\\\\server\\share\\*", WindowsOrWine<DWORD>(ERROR_BAD_NETPATH, ERROR_PATH_NOT_FOUND)},
+      // An "A" call takes at most MAX_PATH characters.
+      {folder / std::string(MAX_PATH - folder.Path().size() - 1, 'a'), ERROR_FILE_NOT_FOUND},
+      {folder / std::string(MAX_PATH - folder.Path().size(), 'a'), ERROR_FILENAME_EXCED_RANGE},
+  };
+  for (const ErrorRow &row : rows) {
+    FindResult result = FindFirst(row.pattern);
+    EXPECT_FALSE(result.found) << row.pattern;
+    EXPECT_EQ(result.error, row.error) << row.pattern;
+  }
+}
+
+TEST(FindFiles, EntriesCarryAttributesSizeAndTime) {
+  ScratchFolder folder;
+  folder.MakeFile("plain.lnk", "abc");
+  folder.MakeFile("locked.lnk");
+  folder.MakeFile(".hidden");
+  folder.MakeFolder("sub");
+  ASSERT_TRUE(SetFileAttributesA((folder / "locked.lnk").c_str(), FILE_ATTRIBUTE_READONLY));
+  struct Row {
+    const char *name;
+    DWORD attributes;
+    DWORD size;
+  } rows[] = {
+      {"plain.lnk", FILE_ATTRIBUTE_ARCHIVE, 3},
+      {"locked.lnk", FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY, 0},
+      {".hidden", FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_HIDDEN, 0},
+      {"sub", FILE_ATTRIBUTE_DIRECTORY, 0},
+  };
+  for (const Row &row : rows) {
+    FindResult result = FindFirst(folder / row.name);
+    ASSERT_TRUE(result.found) << row.name << " error " << result.error;
+    EXPECT_EQ(result.data.dwFileAttributes, row.attributes) << row.name;
+    EXPECT_EQ(result.data.nFileSizeLow, row.size) << row.name;
+    EXPECT_NE(result.data.ftLastWriteTime.dwHighDateTime, 0u) << row.name;
+  }
+}
+
+TEST(FindFiles, NamesAreShiftJisAndWhatItCannotHoldReadsAsQuestionMarks) {
+  ScratchFolder folder;
+  folder.MakeFile("表.lnk");                         // 0x95 0x5C: its trail byte is a backslash
+  folder.MakeFileNamedInUtf8(u8"\uD55C.txt");        // Hangul: no Shift-JIS form
+  folder.MakeFileNamedInUtf8(u8"\U0001F600.txt");    // outside the BMP: two UTF-16 units, two marks
+  Names names = ListNames(folder / "*.*");
+  ASSERT_EQ(names.size(), 5u);
+  // In UTF-16 order: U+8868, then U+D55C, then the surrogates D83D DE00.
+  EXPECT_EQ(Hex(names[2]), Hex("表.lnk"));
+  EXPECT_EQ(Hex(names[3]), Hex("?.txt"));
+  EXPECT_EQ(Hex(names[4]), Hex("??.txt"));
+  FindResult exact = FindFirst(folder / "表.lnk");
+  EXPECT_TRUE(exact.found) << exact.error;
+  EXPECT_EQ(Hex(exact.data.cFileName), Hex("表.lnk"));
+}
+
+TEST(FindFiles, ThereAreNoShortNames) {
+  ScratchFolder folder;
+  folder.MakeFile("a rather long name.lnk");
+  FindResult result = FindFirst(folder / "a rather long name.lnk");
+  ASSERT_TRUE(result.found);
+  if (RunningUnderWine()) {
+    // Wine makes short names up, as Windows does on volumes that keep them.
+    EXPECT_STRNE(result.data.cAlternateFileName, "");
+  } else {
+    EXPECT_STREQ(result.data.cAlternateFileName, "");
+  }
+}
+
+}  // namespace
