@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "scratch_folder.h"
+#include "file_test_support.h"
 
 namespace {
 
@@ -62,7 +62,7 @@ TEST(AllocationUnitFor, NetworkAndLaterKindsStoreNothing) {
 }
 
 TEST(GetDiskSpace, LocalVolumeFillsBothRecords) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   PathBuffer path(scratch.Path());
   DiskSpaceRecord record = {1, 1, 1, 1};
   DiskSpaceRecordEx recordEx = {1, 1, 1};
@@ -76,7 +76,7 @@ TEST(GetDiskSpace, LocalVolumeFillsBothRecords) {
 }
 
 TEST(GetDiskSpace, OneRecordGetsNoFiguresFromTheExtendedQuery) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   PathBuffer path(scratch.Path());
   DiskSpaceRecord record = {1, 1, 1, 1};
   EXPECT_EQ(GetDiskSpace(path.bytes, &record, nullptr), 0);

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <string>
 
-#include "scratch_folder.h"
+#include "file_test_support.h"
 
 #ifndef _WIN32
 #include "platform/posix/testing.h"
@@ -26,7 +26,7 @@ std::string Lower(std::string text) {
 
 // A tree spelled in mixed case: <scratch>\Mixed Case\Inner Dir\Target File.Txt.
 struct MixedTree {
-  explicit MixedTree(const ScratchFolder &scratch) {
+  explicit MixedTree(const FileScratch &scratch) {
     scratch.MakeFolder("Mixed Case");
     scratch.MakeFolder("Mixed Case\\Inner Dir");
     target = scratch.MakeFile("Mixed Case\\Inner Dir\\Target File.Txt", "x");
@@ -35,7 +35,7 @@ struct MixedTree {
 };
 
 TEST(ExactNames, RootsAreUpperCasedOrKept) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   char drive = static_cast<char>(std::tolower(static_cast<unsigned char>(scratch.Path()[0])));
   PathBuffer root(std::string(1, drive) + ":\\");
   EXPECT_EQ(ResolveExactPath(root.bytes, kExactLongNames, 0), root.bytes);
@@ -46,7 +46,7 @@ TEST(ExactNames, RootsAreUpperCasedOrKept) {
 }
 
 TEST(ExactNames, EveryComponentInTheDisksSpellingInPlace) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   MixedTree tree(scratch);
   // The scratch folder's own path is in its disk spelling already; the letters of everything are turned about.
   std::string typed = Lower(tree.target.substr(0, 1)) + Upper(tree.target.substr(1));
@@ -61,7 +61,7 @@ TEST(ExactNames, EveryComponentInTheDisksSpellingInPlace) {
 }
 
 TEST(ExactNames, PointerResultLeavesThePathAlone) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   MixedTree tree(scratch);
   std::string typed = Upper(tree.target);
   PathBuffer path(typed);
@@ -76,7 +76,7 @@ TEST(ExactNames, PointerResultLeavesThePathAlone) {
 }
 
 TEST(ExactNames, WithoutNameFlagsTheGivenSpellingStays) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   MixedTree tree(scratch);
   std::string typed = tree.target.substr(0, scratch.Path().size()) + "\\mixed case\\INNER dir\\target file.txt";
   PathBuffer path(typed);
@@ -85,7 +85,7 @@ TEST(ExactNames, WithoutNameFlagsTheGivenSpellingStays) {
 }
 
 TEST(ExactNames, BareNameFoundOnTheSearchPathStaysBare) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   scratch.MakeFile("KelmaroProbe.EXE", "MZ");
   ASSERT_TRUE(SetCurrentDirectoryA(scratch.Path().c_str()));
   PathBuffer name("kelmaroprobe.exe");
@@ -94,7 +94,7 @@ TEST(ExactNames, BareNameFoundOnTheSearchPathStaysBare) {
 }
 
 TEST(ExactNames, DoubledBackslashIsNotAskedAndTheWalkGoesOn) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   MixedTree tree(scratch);
   for (const char *doubled : {"\\\\", "\\\\\\"}) {
     PathBuffer path(scratch.Path() + "\\mixed case" + doubled + "inner dir\\TARGET FILE.TXT");
@@ -104,7 +104,7 @@ TEST(ExactNames, DoubledBackslashIsNotAskedAndTheWalkGoesOn) {
 }
 
 TEST(ExactNames, QuotesOfAPathThatExistsAreDropped) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   MixedTree tree(scratch);
   PathBuffer quoted("\"" + Lower(tree.target) + "\"");
   ASSERT_NE(ResolveExactPath(quoted.bytes, kExactLongNames, 0), nullptr);
@@ -117,7 +117,7 @@ TEST(ExactNames, QuotesOfAPathThatExistsAreDropped) {
 }
 
 TEST(ExactNames, NestedCallGetsItsPathBackUnchanged) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   MixedTree tree(scratch);
   std::string typed = Upper(tree.target);
   PathBuffer path(typed);
@@ -136,7 +136,7 @@ TEST(ExactNames, NullAndEmpty) {
 }
 
 TEST(ExactNames, AllCapitalShortNameReadsTidily) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   scratch.MakeFile("README.TXT");
   PathBuffer path(scratch.Path("readme.txt"));
   ASSERT_NE(ResolveExactPath(path.bytes, kExactLongNames, 0), nullptr);
@@ -144,7 +144,7 @@ TEST(ExactNames, AllCapitalShortNameReadsTidily) {
 }
 
 TEST(ExactNames, ShortNamesAndALongNameWithoutOne) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   std::string file = scratch.MakeFile("a name far too long.text");
   WIN32_FIND_DATAA entry;
   HANDLE search = FindFirstFileA(file.c_str(), &entry);
@@ -165,36 +165,44 @@ TEST(ExactNames, ShortNamesAndALongNameWithoutOne) {
   EXPECT_EQ(ExactPathInProgress(), 0);
 }
 
-// Makes a listing of `folder` fail with access refused, where the platform lets a test do that.
-bool RefuseListing(const std::string &folder) {
+// Makes the find of the component that follows `folder` (a path to walk) refuse access, where the platform lets a test
+// do that: the walk asks one find per component, so the ones in front of it are let through.
+bool RefuseFindBehind(const std::string &folder) {
 #ifdef _WIN32
   (void)folder;
   return false;  // Wine keeps no folder from its owner, and neither can a test on Windows without rights
 #else
-  return TestFailListing(folder.c_str(), ERROR_ACCESS_DENIED);
+  int components = 0;
+  for (char c : folder)
+    if (c == '\\') ++components;
+  return TestFailCalls("FindFirstFileA", ERROR_ACCESS_DENIED, 1, components);
+#endif
+}
+
+void EndRefusals() {
+#ifndef _WIN32
+  TestClearFaults();
 #endif
 }
 
 TEST(ExactNames, RefusedComponentStopsTheWalk) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   MixedTree tree(scratch);
-  if (!RefuseListing(scratch.Path("Mixed Case")))
-    GTEST_SKIP() << "no way here to make a folder refuse its listing";
   const std::string typed = scratch.Path("MIXED CASE\\INNER DIR\\TARGET FILE.TXT");
   PathBuffer path(typed);
+  if (!RefuseFindBehind(scratch.Path("Mixed Case"))) GTEST_SKIP() << "no way here to make a find refuse access";
   char *folded = ResolveExactPath(path.bytes, kExactLongNames, 0);
-  std::string foldedText = path.Text();
-  path.Set(typed);
-  char *kept = ResolveExactPath(path.bytes, kExactLongNames | kExactNoFolding, 0);
-  std::string keptText = path.Text();
-#ifndef _WIN32
-  TestClearFaults();
-#endif
+  EndRefusals();
   // "Inner Dir" cannot be asked for: it goes in folded (or as typed) and what lies behind it is dropped.
   EXPECT_NE(folded, nullptr);
-  EXPECT_EQ(foldedText, scratch.Path("Mixed Case\\Inner dir"));
+  EXPECT_EQ(path.Text(), scratch.Path("Mixed Case\\Inner dir"));
+
+  path.Set(typed);
+  ASSERT_TRUE(RefuseFindBehind(scratch.Path("Mixed Case")));
+  char *kept = ResolveExactPath(path.bytes, kExactLongNames | kExactNoFolding, 0);
+  EndRefusals();
   EXPECT_NE(kept, nullptr);
-  EXPECT_EQ(keptText, scratch.Path("Mixed Case\\INNER DIR"));
+  EXPECT_EQ(path.Text(), scratch.Path("Mixed Case\\INNER DIR"));
 }
 
 TEST(FillShortName, Rows) {

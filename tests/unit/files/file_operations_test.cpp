@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "scratch_folder.h"
+#include "file_test_support.h"
 #include "reports/last_error.h"
 
 namespace {
@@ -21,7 +21,7 @@ char MissingDriveLetter() {
 }
 
 TEST(PathKind, TellsWhatIsThere) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   std::string file = scratch.MakeFile("a file.txt", "x");
   std::string folder = scratch.MakeFolder("a folder");
   struct Row {
@@ -36,8 +36,8 @@ TEST(PathKind, TellsWhatIsThere) {
       {"\"" + file + "\"", kPathFile},
       {folder, kPathFolder},
       {"\"" + folder + "\"", kPathFolder},
-      {"\\\\server", kPathFolder},      // a server of the network view
-      {"\\:\\group", kPathFolder},      // a group of the network view
+      {"\\\\server", kPathFolder},  // a server of the network view
+      {"\\:\\group", kPathFolder},  // a group of the network view
   };
   for (const Row &row : rows) {
     PathBuffer path(row.path);
@@ -48,7 +48,7 @@ TEST(PathKind, TellsWhatIsThere) {
 }
 
 TEST(PathKind, LeavesTheKeptErrorAsItWas) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   std::string file = scratch.MakeFile("f.txt");
   for (const std::string &text : {scratch.Path("missing.txt"), file, std::string("\\\\server")}) {
     SetKeptLastError(1234);
@@ -59,7 +59,7 @@ TEST(PathKind, LeavesTheKeptErrorAsItWas) {
 }
 
 TEST(PathAccessible, ExistenceWithQuotesAndNetworkPlaces) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   std::string file = scratch.MakeFile("here.txt");
   PathBuffer quoted("\"" + file + "\" and more");
   EXPECT_EQ(PathAccessible(quoted.bytes), 0);
@@ -82,7 +82,7 @@ TEST(GetPathAttributes, NetworkPlaceIsAFolderWithoutASystemCall) {
 }
 
 TEST(GetPathAttributes, ReadsTheDiskAndKeepsTheError) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   PathBuffer folder(scratch.MakeFolder("sub"));
   DWORD attributes = 0;
   EXPECT_EQ(GetPathAttributes(folder.bytes, &attributes), 0);
@@ -95,7 +95,7 @@ TEST(GetPathAttributes, ReadsTheDiskAndKeepsTheError) {
 }
 
 TEST(SetPathAttributes, ZeroMeansNormal) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   PathBuffer file(scratch.MakeFile("ro.txt"));
   ASSERT_TRUE(SetFileAttributesA(file.bytes, FILE_ATTRIBUTE_READONLY));
   ASSERT_NE(GetFileAttributesA(file.bytes) & FILE_ATTRIBUTE_READONLY, 0u);
@@ -106,7 +106,7 @@ TEST(SetPathAttributes, ZeroMeansNormal) {
 }
 
 TEST(SetPathAttributes, MissingPathChangesNothing) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   PathBuffer missing(scratch.Path("missing.txt"));
   SetChangeCounter(5);
   EXPECT_EQ(SetPathAttributes(missing.bytes, FILE_ATTRIBUTE_READONLY), 0);
@@ -115,7 +115,7 @@ TEST(SetPathAttributes, MissingPathChangesNothing) {
 }
 
 TEST(DeleteIfPresent, Outcomes) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   PathBuffer missing(scratch.Path("missing.txt"));
   EXPECT_EQ(DeleteIfPresent(missing.bytes), 0);
 
@@ -136,7 +136,7 @@ TEST(DeleteIfPresent, Outcomes) {
 }
 
 TEST(DeleteIfPresent, RefusedDeleteFails) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   PathBuffer file(scratch.MakeFile("kept.txt"));
   ASSERT_TRUE(SetFileAttributesA(file.bytes, FILE_ATTRIBUTE_READONLY));
   EXPECT_EQ(DeleteIfPresent(file.bytes), 1);
@@ -146,7 +146,7 @@ TEST(DeleteIfPresent, RefusedDeleteFails) {
 }
 
 TEST(DeleteFilePath, QuotedPathAndNetworkPlace) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   std::string file = scratch.MakeFile("quoted.txt");
   PathBuffer quoted("\"" + file + "\"");
   EXPECT_EQ(DeleteFilePath(quoted.bytes), 0);
@@ -162,7 +162,7 @@ TEST(DeleteFilePath, QuotedPathAndNetworkPlace) {
 }
 
 TEST(ChangeCounter, RisesWithSuccessDropsOnFailureAndOnceNegativeOnlyFalls) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   PathBuffer file(scratch.MakeFile("c.txt"));
   PathBuffer missingFolder(scratch.Path("no folder"));
   SetChangeCounter(0);
@@ -180,7 +180,7 @@ TEST(ChangeCounter, RisesWithSuccessDropsOnFailureAndOnceNegativeOnlyFalls) {
 }
 
 TEST(MoveAndRemove, RenameAndRemoveFolders) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   PathBuffer from(scratch.MakeFile("old.txt", "1"));
   PathBuffer to(scratch.Path("new.txt"));
   EXPECT_EQ(MovePath(from.bytes, to.bytes), 0);
@@ -199,7 +199,7 @@ TEST(MoveAndRemove, RenameAndRemoveFolders) {
 }
 
 TEST(FileHandles, OpenReadSizeClose) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   std::string file = scratch.MakeFile("data.bin", "hello");
   PathBuffer quoted("\"" + file + "\"");
   HANDLE handle = OpenPath(quoted.bytes, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
@@ -226,7 +226,7 @@ TEST(FileHandles, OpenReadSizeClose) {
 }
 
 TEST(SearchForFile, Outcomes) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   std::string file = scratch.MakeFile("found.txt");
   char out[520];
 

@@ -5,8 +5,8 @@
 
 #include <string>
 
+#include "file_test_support.h"
 #include "reports/last_error.h"
-#include "scratch_folder.h"
 
 namespace {
 
@@ -30,7 +30,7 @@ std::string WithLowerDrive(std::string path) {
 }
 
 TEST(ChangeToFolder, Results) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   std::string folder = scratch.MakeFolder("Enter Me");
   std::string file = scratch.MakeFile("not a folder.txt");
   const int drive = (folder[0] & ~0x20) - 'A' + 1;
@@ -41,10 +41,10 @@ TEST(ChangeToFolder, Results) {
   } rows[] = {
       {WithLowerDrive(folder), 0, drive},  // the drive number comes from the upper-cased letter
       {scratch.Path("no such folder"), 0, -2},
-      {file, 0, -1},                      // there, but not a folder that can be entered
-      {"Enter Me", 0, -1},                // no drive
+      {file, 0, -1},        // there, but not a folder that can be entered
+      {"Enter Me", 0, -1},  // no drive
       {"\\\\server\\share\\folder", 0, '\\'},
-      {"\\:\\group\\server", 1, '\\'},    // a place of the view has nothing to enter
+      {"\\:\\group\\server", 1, '\\'},  // a place of the view has nothing to enter
   };
   for (const Row &row : rows) {
     ASSERT_TRUE(SetCurrentDirectoryA(scratch.Path().c_str()));
@@ -59,7 +59,7 @@ TEST(ChangeToFolder, Results) {
 }
 
 TEST(ChangeToFolder, MissingFolderKeepsTheErrorOfTheChange) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   PathBuffer missing(scratch.Path("gone\\deeper"));
   EXPECT_EQ(ChangeToFolder(missing.bytes, 0), -2);
   EXPECT_NE(GetKeptLastError(), 0u);
@@ -67,7 +67,7 @@ TEST(ChangeToFolder, MissingFolderKeepsTheErrorOfTheChange) {
 }
 
 TEST(WorkingFolder, SetAndRead) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   std::string folder = scratch.MakeFolder("here");
   PathBuffer path(folder);
   EXPECT_EQ(SetWorkingFolder(path.bytes, 0), 0);
@@ -84,7 +84,7 @@ TEST(WorkingFolder, SetAndRead) {
 }
 
 TEST(DriveFolder, CurrentFolderOfTheCurrentDrive) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   std::string folder = scratch.MakeFolder("inner");
   ASSERT_TRUE(SetCurrentDirectoryA(folder.c_str()));
   const int drive = (folder[0] & ~0x20) - 'A' + 1;
@@ -107,7 +107,7 @@ TEST(DriveFolder, NetworkKeepsTheHead) {
 }
 
 TEST(CompleteDrivePath, BareDriveNameGetsItsFolder) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   ASSERT_TRUE(SetCurrentDirectoryA(scratch.Path().c_str()));
   char text[520] = {static_cast<char>(scratch.Path()[0]), ':', 0};
   char *path = text;
@@ -121,7 +121,7 @@ TEST(CompleteDrivePath, BareDriveNameGetsItsFolder) {
 }
 
 TEST(ChangeToDriveLetter, Results) {
-  ScratchFolder scratch;
+  FileScratch scratch;
   ASSERT_TRUE(SetCurrentDirectoryA(scratch.Path().c_str()));
   EXPECT_EQ(ChangeToDriveLetter('\\'), 1);
   EXPECT_EQ(ChangeToDriveLetter(scratch.Path()[0]), 1);

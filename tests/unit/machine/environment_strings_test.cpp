@@ -47,7 +47,7 @@ TEST_F(EnvironmentStrings, Expansions) {
       {"pre%KMTEST_NEST%post", "pre<1>post"},           // a value is searched in turn
       {"%KMTEST_EMPTY%x", "%KMTEST_EMPTY%x"},           // an empty value counts as not set
       {"%%", "%%"},
-      {"%KMTEST_LONG%!", "KMTEST_LONG!"},  // too long for the buffer: the bare name stands in
+      {"%KMTEST_LONG%!", "KMTEST_LONG!"},          // too long for the buffer: the bare name stands in
       {"\x81\x25KMTEST_A%", "\x81\x25KMTEST_A%"},  // a trail byte 0x25 is no "%"
       {"", ""},
   };
