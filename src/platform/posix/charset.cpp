@@ -36,13 +36,20 @@ size_t CharacterLength(const unsigned char *text, size_t left, bool fromCp932, b
 
 // One conversion descriptor per pair of charsets for the life of the process: a listing converts every name it
 // returns, and opening a descriptor costs far more than a conversion.
+struct DescriptorCache {
+  std::map<std::pair<std::string, std::string>, iconv_t> open;
+  ~DescriptorCache() {
+    for (auto &entry : open) iconv_close(entry.second);
+  }
+};
+
 iconv_t Descriptor(const char *from, const char *to) {
-  static std::map<std::pair<std::string, std::string>, iconv_t> open;
+  static DescriptorCache cache;
   auto key = std::make_pair(std::string(from), std::string(to));
-  auto found = open.find(key);
-  if (found != open.end()) return found->second;
+  auto found = cache.open.find(key);
+  if (found != cache.open.end()) return found->second;
   iconv_t cd = iconv_open(to, from);
-  if (cd != reinterpret_cast<iconv_t>(-1)) open[key] = cd;
+  if (cd != reinterpret_cast<iconv_t>(-1)) cache.open[key] = cd;
   return cd;
 }
 
@@ -98,8 +105,8 @@ void ChooseLocaleCharset(void) {
   LocaleCharset().clear();
   if (codeset == nullptr || *codeset == 0) return;
   // The C locale reports ASCII: bytes pass unchanged, which is what a script that compares Shift-JIS output wants.
-  static const char *const kPassThrough[] = {"ANSI_X3.4-1968", "ASCII", "US-ASCII", "SHIFT_JIS", "SJIS", "CP932",
-                                             "WINDOWS-31J", "MS_KANJI"};
+  static const char *const kPassThrough[] = {"ANSI_X3.4-1968", "ASCII", "US-ASCII",    "SHIFT_JIS",
+                                             "SJIS",           "CP932", "WINDOWS-31J", "MS_KANJI"};
   for (const char *name : kPassThrough)
     if (strcasecmp(codeset, name) == 0) return;
   LocaleCharset() = codeset;

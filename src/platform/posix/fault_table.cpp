@@ -14,19 +14,32 @@ namespace {
 
 struct FaultRow {
   const char *name;
-  int skip;   // calls still to let through before the failures begin
-  int left;   // failures still to give; -1 for every call from then on
+  int skip;  // calls still to let through before the failures begin
+  int left;  // failures still to give; -1 for every call from then on
   DWORD error;
 };
 
 FaultRow table[] = {
-    {"FindFirstFileA", 0, 0, 0},      {"FindNextFileA", 0, 0, 0},        {"FindClose", 0, 0, 0},
-    {"CreateFileA", 0, 0, 0},         {"ReadFile", 0, 0, 0},             {"WriteFile", 0, 0, 0},
-    {"CloseHandle", 0, 0, 0},         {"GetFileSize", 0, 0, 0},          {"GetFileSizeEx", 0, 0, 0},
-    {"DeleteFileA", 0, 0, 0},         {"MoveFileA", 0, 0, 0},            {"CreateDirectoryA", 0, 0, 0},
-    {"RemoveDirectoryA", 0, 0, 0},    {"GetFileAttributesA", 0, 0, 0},   {"SetFileAttributesA", 0, 0, 0},
-    {"SetCurrentDirectoryA", 0, 0, 0}, {"SearchPathA", 0, 0, 0},         {"GetDiskFreeSpaceA", 0, 0, 0},
-    {"GetDiskFreeSpaceExA", 0, 0, 0}, {"GetVolumeInformationA", 0, 0, 0},
+    {"FindFirstFileA", 0, 0, 0},
+    {"FindNextFileA", 0, 0, 0},
+    {"FindClose", 0, 0, 0},
+    {"CreateFileA", 0, 0, 0},
+    {"ReadFile", 0, 0, 0},
+    {"WriteFile", 0, 0, 0},
+    {"CloseHandle", 0, 0, 0},
+    {"GetFileSize", 0, 0, 0},
+    {"GetFileSizeEx", 0, 0, 0},
+    {"DeleteFileA", 0, 0, 0},
+    {"MoveFileA", 0, 0, 0},
+    {"CreateDirectoryA", 0, 0, 0},
+    {"RemoveDirectoryA", 0, 0, 0},
+    {"GetFileAttributesA", 0, 0, 0},
+    {"SetFileAttributesA", 0, 0, 0},
+    {"SetCurrentDirectoryA", 0, 0, 0},
+    {"SearchPathA", 0, 0, 0},
+    {"GetDiskFreeSpaceA", 0, 0, 0},
+    {"GetDiskFreeSpaceExA", 0, 0, 0},
+    {"GetVolumeInformationA", 0, 0, 0},
 };
 static_assert(sizeof table / sizeof table[0] == kFaultCount, "one row for each fault point");
 
@@ -35,6 +48,7 @@ struct ListingFault {
   DWORD error;
 };
 std::vector<ListingFault> listingFaults;
+size_t folderReads = 0;
 
 }  // namespace
 
@@ -49,6 +63,10 @@ bool ForcedFailure(FaultPoint point, DWORD *error) {
   *error = row.error;
   return true;
 }
+
+void CountFolderRead(void) { ++folderReads; }
+
+size_t TestFolderReads(void) { return folderReads; }
 
 bool ForcedListingFailure(const std::u16string &folder, DWORD *error) {
   for (const ListingFault &fault : listingFaults) {
@@ -74,7 +92,7 @@ bool TestFailCalls(const char *operation, DWORD error, int count, int skip) {
 
 bool TestFailListing(const char *folder, DWORD error) {
   std::u16string full;
-  if (MakeFullPath(ProgramToUtf16(folder), &full) != 0) return false;
+  if (!MakeFullPath(ProgramToUtf16(folder), &full)) return false;
   // "C:\a\" and "C:\a" name the same folder; only a root keeps its backslash.
   if (full.size() > 3 && full.back() == u'\\') full.pop_back();
   listingFaults.push_back({full, error});

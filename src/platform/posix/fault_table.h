@@ -35,6 +35,8 @@ enum FaultPoint {
 // Counts one call of the operation. True when this call is to fail: `*error` then holds the error that the call is to
 // leave as its last error, and the call gives its failure answer without touching anything.
 bool ForcedFailure(FaultPoint point, DWORD *error);
+// Counts one reading of a folder's entries, for TestFolderReads.
+void CountFolderRead(void);
 // True when listing the folder with this full path (as MakeFullPath gives it, compared without case) is to fail, with
 // `*error` as the error.
 bool ForcedListingFailure(const std::u16string &folder, DWORD *error);

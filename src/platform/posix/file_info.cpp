@@ -8,8 +8,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <string>
 #include <vector>
-
 
 namespace {
 
@@ -48,6 +48,20 @@ bool ReadOnly(const struct statx &info) {
   return (info.stx_mode & S_IWOTH) == 0;
 }
 
+// Whether a path fails for the number of links on the way rather than for its last link: true when the link can be
+// followed from its own folder, or when that folder cannot be reached for too many links.
+bool TooManyLinksOnTheWay(const char *path) {
+  const char *slash = std::strrchr(path, '/');
+  if (!slash) return false;
+  std::string folderPath = slash == path ? "/" : std::string(path, static_cast<size_t>(slash - path));
+  int folder = open(folderPath.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+  if (folder < 0) return errno == ELOOP;
+  struct stat info;
+  bool followed = fstatat(folder, slash + 1, &info, 0) == 0;
+  close(folder);
+  return followed;
+}
+
 void TakeFacts(const struct statx &info, EntryFacts *facts) {
   facts->isDirectory = S_ISDIR(info.stx_mode);
   facts->readOnly = ReadOnly(info);
@@ -72,6 +86,9 @@ int ReadEntryFacts(int folder, const char *name, EntryFacts *facts) {
       TakeFacts(target, facts);
       return 0;
     }
+    // Too many links on the way: Linux follows at most 40 in one path (Windows at most 63 reparse points), and the
+    // path as a whole cannot be resolved, which is not the same as a link to nothing.
+    if (errno == ELOOP && folder == AT_FDCWD && TooManyLinksOnTheWay(name)) return ELOOP;
     // A link to nothing, or one of a loop of links, stands as a file of its own.
     facts->dangling = true;
   }

@@ -61,8 +61,10 @@ int CopyAndDelete(const std::string &from, const std::string &to) {
     for (ssize_t done = 0; done < got && error == 0;) {
       ssize_t put = write(target, buffer + done, static_cast<size_t>(got - done));
       if (put < 0 && errno == EINTR) continue;
-      if (put < 0) error = errno;
-      else done += put;
+      if (put < 0)
+        error = errno;
+      else
+        done += put;
     }
     if (error != 0) break;
   }

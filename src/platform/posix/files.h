@@ -5,7 +5,15 @@
 //
 // Drives come from the drive table (KELMARO_DRIVES; Z: is "/" unless set otherwise). Names are matched without case,
 // as Windows matches them; listings come in NTFS order. Each operation sets the last error as Windows does for the
-// same input; where this backend answers differently from Windows, the comment at the operation says so.
+// same input; where this backend answers differently from Windows, the comment at the operation says so. Paths obey
+// Windows' rules (see path_resolver.h), with these Linux facts showing through:
+// - A symbolic link shows as Windows shows its own: FILE_ATTRIBUTE_REPARSE_POINT beside the attributes of its target,
+//   so a link to a folder is a folder, as a junction is; a link to nothing, or a loop of links, is a file. A path
+//   through more than 40 links fails with ERROR_CANT_RESOLVE_FILENAME, as Windows fails beyond 63 reparse points.
+// - A Linux name that ends in a dot or a space is listed as it is but cannot be opened by it, since Windows drops
+//   such an ending from every path; the same holds on Windows for such names. CON, NUL, AUX and the other device
+//   names of Windows are plain names here.
+// - Handles are values in tables of this backend: a file handle is closed by CloseHandle, a search by FindClose.
 #pragma once
 
 #include "platform/posix/win_types.h"
@@ -121,9 +129,9 @@ typedef struct _OVERLAPPED OVERLAPPED, *LPOVERLAPPED;
 // the rest in NTFS order (by the upper-cased UTF-16 name). The mask is matched as NTFS matches it (see DosMask in
 // path_names.h); there are no short names, so a mask never matches through one ("*.lnk" does not find "a.lnkx", which
 // Windows finds through the short name A~1.LNK where short names are made). A mask without wildcards finds its one
-// entry without reading the folder. Errors: ERROR_FILE_NOT_FOUND (no match, or a pattern ending in "\"),
-// ERROR_PATH_NOT_FOUND (no such folder, an empty pattern, an unmapped drive), ERROR_INVALID_NAME (a wildcard in the
-// folder part, or a file in its place), ERROR_FILENAME_EXCED_RANGE (over MAX_PATH characters),
+// entry, without reading the folder when it is spelled as on disk. Errors: ERROR_FILE_NOT_FOUND (no match, or a pattern
+// ending in "\"), ERROR_PATH_NOT_FOUND (no such folder, an empty pattern, an unmapped drive), ERROR_INVALID_NAME (a
+// wildcard in the folder part, or a file in its place), ERROR_FILENAME_EXCED_RANGE (over MAX_PATH characters),
 // ERROR_ACCESS_DENIED, ERROR_BAD_NETPATH (any network path: there is no network here).
 HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData);
 // The next entry; FALSE with ERROR_NO_MORE_FILES at the end (and on every call after it), ERROR_INVALID_HANDLE for a
@@ -183,8 +191,8 @@ int _access(const char *path, int mode);
 // without terminator, or the size needed with it when the buffer is too small.
 DWORD GetCurrentDirectoryA(DWORD bufferLength, LPSTR buffer);
 // Makes an existing folder current; it is kept as given (made full), so its case is the caller's, as on Windows.
-// ERROR_DIRECTORY for a file, ERROR_INVALID_NAME for an empty path. Another drive's current folder is its root: a process that only calls this has no "=X:"
-// variables on Windows either.
+// ERROR_DIRECTORY for a file, ERROR_INVALID_NAME for an empty path. Another drive's current folder is its root: a
+// process that only calls this has no "=X:" variables on Windows either.
 BOOL SetCurrentDirectoryA(LPCSTR pathName);
 // The full form of a path, made without touching the disk: "/" becomes "\", "." and ".." are resolved in the text,
 // a dot at the end of a folder name and dots and spaces at the end of the path are dropped, "\x" starts at the
@@ -208,9 +216,9 @@ UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
 UINT GetDriveTypeA(LPCSTR rootPathName);
 // One bit per drive that GetDriveTypeA calls fixed, bit 0 for A:.
 DWORD GetLogicalDrives(void);
-// The volume of a mapped drive's root ("X:\" or "X:"): no label, a serial number from the file system's id, its longest name,
-// FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK (and FILE_READ_ONLY_VOLUME), and its file system's name in upper
-// case ("EXT4", "TMPFS"; "FAT32", "NTFS", "CDFS" for those). ERROR_DIR_NOT_ROOT for a folder that is not a root,
+// The volume of a mapped drive's root ("X:\" or "X:"): no label, a serial number from the file system's id, its longest
+// name, FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK (and FILE_READ_ONLY_VOLUME), and its file system's name in
+// upper case ("EXT4", "TMPFS"; "FAT32", "NTFS", "CDFS" for those). ERROR_DIR_NOT_ROOT for a folder that is not a root,
 // ERROR_PATH_NOT_FOUND for an unmapped drive, ERROR_BAD_NETPATH for a network root.
 BOOL GetVolumeInformationA(LPCSTR rootPathName, LPSTR volumeNameBuffer, DWORD volumeNameSize,
                            LPDWORD volumeSerialNumber, LPDWORD maximumComponentLength, LPDWORD fileSystemFlags,

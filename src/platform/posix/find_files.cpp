@@ -75,6 +75,7 @@ bool GiveNext(OpenSearch *search, WIN32_FIND_DATAA *data) {
 DWORD ReadFolder(const std::string &linux, bool isRoot, const std::u16string &dosMask, OpenSearch *search) {
   int folder = open(linux.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (folder < 0) return ErrorFromErrno(errno);
+  CountFolderRead();
   int reading = dup(folder);
   DIR *dir = reading >= 0 ? fdopendir(reading) : nullptr;
   if (!dir) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/posix/drive_table.h"
+#include "platform/posix/fault_table.h"
 #include "platform/posix/path_names.h"
 
 namespace {
@@ -90,6 +91,7 @@ std::string JoinLinux(const std::string &folder, const std::string &name) {
 // when there is none, or the error of reading the folder.
 DWORD FindIgnoringCase(const std::string &folder, const std::u16string &folded, std::string *found) {
   found->clear();
+  CountFolderRead();
   DIR *dir = opendir(folder.c_str());
   if (!dir) return errno == ENOENT || errno == ENOTDIR ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno);
   std::u16string bestFolded;

@@ -23,11 +23,11 @@ std::u16string FolderOf(const std::u16string &full);
 
 // A full path as found on disk.
 struct DiskPath {
-  std::u16string full;       // the full Windows path
-  std::string linux;         // its Linux path, each name that was found in its spelling on disk
-  std::string diskName;      // the last name, as on disk (as given when it was not found; empty for a root)
-  bool isRoot = false;       // a drive root
-  bool exists = false;       // the last name was found; `facts` describe it
+  std::u16string full;   // the full Windows path
+  std::string linux;     // its Linux path, each name that was found in its spelling on disk
+  std::string diskName;  // the last name, as on disk (as given when it was not found; empty for a root)
+  bool isRoot = false;   // a drive root
+  bool exists = false;   // the last name was found; `facts` describe it
   bool endsInSeparator = false;
   EntryFacts facts;
 };

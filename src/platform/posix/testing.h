@@ -2,6 +2,8 @@
 // Nothing outside tests/ includes this header.
 #pragma once
 
+#include <cstddef>
+
 #include "platform/winapi.h"
 
 // Makes calls of one operation, named as in Windows ("FindFirstFileA", "CreateFileA", "ReadFile", "DeleteFileA" ...),
@@ -13,6 +15,9 @@ bool TestFailCalls(const char *operation, DWORD error, int count = 1, int skip =
 bool TestFailListing(const char *folder, DWORD error);
 // Ends all forced failures.
 void TestClearFaults(void);
+// How many times the backend has read the entries of a folder since the process began: once per listing, and once
+// per name that had to be looked for without case. A path whose names are all spelled as on disk costs none.
+size_t TestFolderReads(void);
 
 // Uses `drives`, in the form of KELMARO_DRIVES ("C=/srv/c;D=/mnt/d"), as the drive table (null: none set, so only Z:
 // is "/"), and reads the current folder anew in the light of it.

@@ -67,8 +67,8 @@ std::string FileSystemName(const std::string &folder) {
   bool found = false;
   while (mounts >> device >> mountPoint >> type && std::getline(mounts, rest)) {
     std::string point = Unescape(mountPoint);
-    bool holds = point == "/" || path == point || (path.compare(0, point.size(), point) == 0 &&
-                                                   path.size() > point.size() && path[point.size()] == '/');
+    bool holds = point == "/" || path == point ||
+                 (path.compare(0, point.size(), point) == 0 && path.size() > point.size() && path[point.size()] == '/');
     // A later mount on the same point hides the earlier one.
     if (holds && (!found || point.size() >= bestLength)) {
       best = type;

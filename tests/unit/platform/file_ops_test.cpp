@@ -24,7 +24,7 @@ std::string ReadAll(const std::string &path) {
 
 struct DispositionRow {
   DWORD disposition;
-  bool present;          // the file is there before the call
+  bool present;  // the file is there before the call
   bool opens;
   DWORD error;           // the last error after the call
   const char *contents;  // what the file holds afterwards (null: it is not there)

@@ -13,24 +13,6 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-struct FindResult {
-  bool found;
-  DWORD error;
-  WIN32_FIND_DATAA data;
-};
-
-// One FindFirstFileA, its handle closed again; the record is pre-filled with a pattern to prove it was written.
-FindResult FindFirst(const std::string &pattern) {
-  FindResult result;
-  std::memset(&result.data, 0xCC, sizeof result.data);
-  SetLastError(0xDEADBEEF);
-  HANDLE search = FindFirstFileA(pattern.c_str(), &result.data);
-  result.error = GetLastError();
-  result.found = search != INVALID_HANDLE_VALUE;
-  if (result.found) FindClose(search);
-  return result;
-}
-
 TEST(FindFiles, ListsDotsFirstThenNamesInFileSystemOrder) {
   ScratchFolder folder;
   for (const char *name : {"b.lnk", "_x.txt", "A.lnk", "c.TXT", "Sub"}) {
@@ -63,8 +45,8 @@ TEST(FindFiles, MasksMatchAsTheFileSystemMatchesThem) {
        {"x.lnk", "Y.LNK", "a.b.lnk", "lnk", "noext", "two.dots.txt", "a.lnkx", "ab.txt", "a.txt", "abc.txt"})
     folder.MakeFile(name);
   folder.MakeFolder("dir.lnk");
-  const Names all = {"a.b.lnk", "a.lnkx", "a.txt", "ab.txt", "abc.txt", "dir.lnk",
-                     "lnk",     "noext",  "two.dots.txt", "x.lnk", "Y.LNK"};
+  const Names all = {"a.b.lnk", "a.lnkx", "a.txt",        "ab.txt", "abc.txt", "dir.lnk",
+                     "lnk",     "noext",  "two.dots.txt", "x.lnk",  "Y.LNK"};
   Names withDots = {".", ".."};
   withDots.insert(withDots.end(), all.begin(), all.end());
   const MaskRow rows[] = {
@@ -79,8 +61,8 @@ TEST(FindFiles, MasksMatchAsTheFileSystemMatchesThem) {
       {"a?.txt", {"a.txt", "ab.txt"}, {"ab.txt"}},
       {"a??.txt", {"a.txt", "ab.txt", "abc.txt"}, {"abc.txt"}},
       {"A*", {"a.b.lnk", "a.lnkx", "a.txt", "ab.txt", "abc.txt"}, {}},
-      {"noext.*", {"noext"}, {}},                                             // ".*" may match nothing at the end
-      {"*.l*", {"a.b.lnk", "a.lnkx", "dir.lnk", "x.lnk", "Y.LNK"}, {}},  // "*." stops at the last dot
+      {"noext.*", {"noext"}, {}},  // ".*" may match nothing at the end
+      {"*.l*", {"a.b.lnk", "a.lnkx", "dir.lnk", "x.lnk", "Y.LNK"}, {}},
       {"*x*", {"a.lnkx", "a.txt", "ab.txt", "abc.txt", "noext", "two.dots.txt", "x.lnk"}, {}},
       {"X.LNK", {"x.lnk"}, {}},  // no wildcard: the one name, spelled as on disk
   };
@@ -158,7 +140,7 @@ TEST(FindFiles, FailuresGiveWindowsErrors) {
       {folder / std::string(MAX_PATH - folder.Path().size(), 'a'), ERROR_FILENAME_EXCED_RANGE},
   };
   for (const ErrorRow &row : rows) {
-    FindResult result = FindFirst(row.pattern);
+    FirstFound result = FindFirst(row.pattern);
     EXPECT_FALSE(result.found) << row.pattern;
     EXPECT_EQ(result.error, row.error) << row.pattern;
   }
@@ -182,7 +164,7 @@ TEST(FindFiles, EntriesCarryAttributesSizeAndTime) {
       {"sub", FILE_ATTRIBUTE_DIRECTORY, 0},
   };
   for (const Row &row : rows) {
-    FindResult result = FindFirst(folder / row.name);
+    FirstFound result = FindFirst(folder / row.name);
     ASSERT_TRUE(result.found) << row.name << " error " << result.error;
     EXPECT_EQ(result.data.dwFileAttributes, row.attributes) << row.name;
     EXPECT_EQ(result.data.nFileSizeLow, row.size) << row.name;
@@ -192,16 +174,16 @@ TEST(FindFiles, EntriesCarryAttributesSizeAndTime) {
 
 TEST(FindFiles, NamesAreShiftJisAndWhatItCannotHoldReadsAsQuestionMarks) {
   ScratchFolder folder;
-  folder.MakeFile("表.lnk");                         // 0x95 0x5C: its trail byte is a backslash
-  folder.MakeFileNamedInUtf8(u8"\uD55C.txt");        // Hangul: no Shift-JIS form
-  folder.MakeFileNamedInUtf8(u8"\U0001F600.txt");    // outside the BMP: two UTF-16 units, two marks
+  folder.MakeFile("表.lnk");                       // 0x95 0x5C: its trail byte is a backslash
+  folder.MakeFileNamedInUtf8(u8"\uD55C.txt");      // Hangul: no Shift-JIS form
+  folder.MakeFileNamedInUtf8(u8"\U0001F600.txt");  // outside the BMP: two UTF-16 units, two marks
   Names names = ListNames(folder / "*.*");
   ASSERT_EQ(names.size(), 5u);
   // In UTF-16 order: U+8868, then U+D55C, then the surrogates D83D DE00.
   EXPECT_EQ(Hex(names[2]), Hex("表.lnk"));
   EXPECT_EQ(Hex(names[3]), Hex("?.txt"));
   EXPECT_EQ(Hex(names[4]), Hex("??.txt"));
-  FindResult exact = FindFirst(folder / "表.lnk");
+  FirstFound exact = FindFirst(folder / "表.lnk");
   EXPECT_TRUE(exact.found) << exact.error;
   EXPECT_EQ(Hex(exact.data.cFileName), Hex("表.lnk"));
 }
@@ -209,7 +191,7 @@ TEST(FindFiles, NamesAreShiftJisAndWhatItCannotHoldReadsAsQuestionMarks) {
 TEST(FindFiles, ThereAreNoShortNames) {
   ScratchFolder folder;
   folder.MakeFile("a rather long name.lnk");
-  FindResult result = FindFirst(folder / "a rather long name.lnk");
+  FirstFound result = FindFirst(folder / "a rather long name.lnk");
   ASSERT_TRUE(result.found);
   if (RunningUnderWine()) {
     // Wine makes short names up, as Windows does on volumes that keep them.

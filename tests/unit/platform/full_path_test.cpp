@@ -98,18 +98,18 @@ TEST_F(FullPath, PathsAreMadeFullInTheTextAlone) {
       {"a\\\\b", "{}\\a\\b", "b"},
       {"a\\", "{}\\a\\", "<null>"},
       {".", "{}", nullptr},
-      {"a.", "{}\\a", "a"},            // trailing dots and spaces go
+      {"a.", "{}\\a", "a"},  // trailing dots and spaces go
       {"a. .", "{}\\a", "a"},
-      {"a.\\b", "{}\\a\\b", "b"},      // a folder name loses one trailing dot
-      {"\\x\\y", "{d}\\x\\y", "y"},     // from the current drive's root
-      {"{d}", "{}\\", "<null>"},         // the current drive alone: its current folder, with a backslash
+      {"a.\\b", "{}\\a\\b", "b"},    // a folder name loses one trailing dot
+      {"\\x\\y", "{d}\\x\\y", "y"},  // from the current drive's root
+      {"{d}", "{}\\", "<null>"},     // the current drive alone: its current folder, with a backslash
       {"{d}x", "{}\\x", "x"},
-      {"Y:x", "Y:\\x", "x"},            // another drive's current folder is its root
+      {"Y:x", "Y:\\x", "x"},  // another drive's current folder is its root
       {"C:\\a\\.\\b\\..\\c", "C:\\a\\c", "c"},
       {"C:\\..\\..\\x", "C:\\x", "x"},  // ".." stops at the root
       {"C:/a/b/", "C:\\a\\b\\", "<null>"},
       {"\\\\server\\share\\a\\..\\..\\b", "\\\\server\\share\\b", "b"},
-      {"表\\x", "{}\\表\\x", "x"},      // 0x95 0x5C: a trail byte, not a separator
+      {"表\\x", "{}\\表\\x", "x"},  // 0x95 0x5C: a trail byte, not a separator
   };
   for (const FullRow &row : rows) {
     std::string given = Expand(row.given, folder_.Path(), drive_);

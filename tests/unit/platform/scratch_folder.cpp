@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 
 #ifdef _WIN32
@@ -142,6 +143,17 @@ std::vector<std::string> ListNames(const std::string &pattern) {
   return names;
 }
 
+FirstFound FindFirst(const std::string &pattern) {
+  FirstFound result;
+  std::memset(&result.data, 0xCC, sizeof result.data);
+  SetLastError(0);
+  HANDLE search = FindFirstFileA(pattern.c_str(), &result.data);
+  result.error = GetLastError();
+  result.found = search != INVALID_HANDLE_VALUE;
+  if (result.found) FindClose(search);
+  return result;
+}
+
 std::string Hex(const std::string &text) {
   std::string out;
   char byte[4];
@@ -155,8 +167,8 @@ std::string Hex(const std::string &text) {
 bool WineRunsAsRoot() {
   if (!RunningUnderWine()) return false;
   // Wine's Z: is the Linux root, so the process can read its own status there.
-  HANDLE status = CreateFileA("Z:\\proc\\self\\status", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0,
-                              nullptr);
+  HANDLE status =
+      CreateFileA("Z:\\proc\\self\\status", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
   if (status == INVALID_HANDLE_VALUE) return false;
   std::string text(4096, '\0');
   DWORD got = 0;

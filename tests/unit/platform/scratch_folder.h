@@ -1,6 +1,6 @@
-// A fresh folder for the file-system tests that run on both platforms: made and cleared through the Windows
-// operations themselves, so that the same test checks the Linux backend on the host build and the real calls under
-// Wine in the win64 build.
+// A fresh folder for the file-system tests that run on both platforms, made through the Windows operations themselves
+// so that the same test checks the Linux backend on the host build and the real calls under Wine in the win64 build;
+// and the small helpers that those tests share.
 #pragma once
 
 #include <string>
@@ -37,6 +37,13 @@ class ScratchFolder {
 
 // The names that FindFirstFileA and FindNextFileA give for a pattern, in their order; empty when the first call fails.
 std::vector<std::string> ListNames(const std::string &pattern);
+// One FindFirstFileA, its handle closed again. The record is pre-filled with 0xCC to prove that it was written.
+struct FirstFound {
+  bool found;
+  DWORD error;  // the last error after the call (set to 0 before it)
+  WIN32_FIND_DATAA data;
+};
+FirstFound FindFirst(const std::string &pattern);
 // The bytes of a text, in hexadecimal, for failure messages about Shift-JIS names.
 std::string Hex(const std::string &text);
 // True when the tests run under Wine rather than on Windows or on Linux.

@@ -1,0 +1,526 @@
+// The Linux backend's file system where Linux shows through: the drive table, the current folder, names spelled in
+// more than one case, symbolic links, permission bits, names Windows cannot hold, forced failures, network paths,
+// local time, the Windows folder and the search path. Files are made with the C library here, so that a test can
+// set up what Windows could not.
+#include <fcntl.h>
+#include <ftw.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <fstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "../platform/scratch_folder.h"
+#include "platform/posix/testing.h"
+#include "platform/winapi.h"
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+DWORD ErrorOf(DWORD attributes) { return attributes == INVALID_FILE_ATTRIBUTES ? GetLastError() : 0; }
+
+int RemoveEntry(const char *path, const struct stat *, int, struct FTW *) {
+  remove(path);
+  return 0;
+}
+
+int OpenUp(const char *path, const struct stat *, int type, struct FTW *) {
+  if (type == FTW_D) chmod(path, 0700);
+  return 0;
+}
+
+void RemoveLinuxTree(const std::string &root) {
+  nftw(root.c_str(), OpenUp, 16, FTW_PHYS);
+  nftw(root.c_str(), RemoveEntry, 16, FTW_DEPTH | FTW_PHYS);
+}
+
+// A new folder in `base` (null: the temporary folder). Empty if it cannot be made.
+std::string MakeLinuxTemp(const char *stem, const char *base = nullptr) {
+  const char *tmp = std::getenv("TMPDIR");
+  if (!base) base = tmp && *tmp ? tmp : "/tmp";
+  std::string pattern = std::string(base) + "/" + stem + "-XXXXXX";
+  std::vector<char> buffer(pattern.begin(), pattern.end());
+  buffer.push_back(0);
+  return mkdtemp(buffer.data()) ? std::string(buffer.data()) : std::string();
+}
+
+// A Linux folder of the test's own, mapped as drive T: (Z: stays "/").
+class LinuxDisk : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    root_ = MakeLinuxTemp("kelmaro-disk");
+    ASSERT_FALSE(root_.empty());
+    char here[4096];
+    ASSERT_NE(getcwd(here, sizeof here), nullptr);
+    before_ = here;
+    TestSetDrives(("T=" + root_).c_str());
+    TestClearFaults();
+  }
+  void TearDown() override {
+    TestClearFaults();
+    if (chdir(before_.c_str()) != 0) ADD_FAILURE() << before_;
+    TestSetDrives(nullptr);
+    RemoveLinuxTree(root_);
+  }
+
+  std::string Linux(const std::string &relative) const { return root_ + "/" + relative; }
+  void Touch(const std::string &relative, const std::string &contents = "") const {
+    std::ofstream file(Linux(relative), std::ios::binary);
+    file << contents;
+    ASSERT_TRUE(file.good()) << relative;
+  }
+  void MakeFolder(const std::string &relative) const { ASSERT_EQ(mkdir(Linux(relative).c_str(), 0755), 0) << relative; }
+  void Link(const std::string &target, const std::string &relative) const {
+    ASSERT_EQ(symlink(target.c_str(), Linux(relative).c_str()), 0) << relative;
+  }
+  bool Exists(const std::string &relative) const {
+    struct stat info;
+    return lstat(Linux(relative).c_str(), &info) == 0;
+  }
+  mode_t Mode(const std::string &relative) const {
+    struct stat info;
+    return stat(Linux(relative).c_str(), &info) == 0 ? (info.st_mode & 07777) : 0;
+  }
+
+  std::string root_;
+  std::string before_;
+};
+
+TEST_F(LinuxDisk, DrivesComeFromTheTable) {
+  TestSetDrives(("T=" + root_ + ";U=/nonexistent-kelmaro").c_str());
+  EXPECT_EQ(GetDriveTypeA("T:\\"), static_cast<UINT>(DRIVE_FIXED));
+  EXPECT_EQ(GetDriveTypeA("t:"), static_cast<UINT>(DRIVE_FIXED));
+  EXPECT_EQ(GetDriveTypeA("U:\\"), static_cast<UINT>(DRIVE_NO_ROOT_DIR));  // mapped to nothing
+  EXPECT_EQ(GetDriveTypeA("Q:\\"), static_cast<UINT>(DRIVE_NO_ROOT_DIR));
+  EXPECT_EQ(GetLogicalDrives(), (1u << ('T' - 'A')) | (1u << ('Z' - 'A')));
+  SetLastError(0);
+  EXPECT_EQ(ErrorOf(GetFileAttributesA("U:\\x")), static_cast<DWORD>(ERROR_PATH_NOT_FOUND));
+  Touch("f.lnk", "abc");
+  EXPECT_EQ(GetFileAttributesA("T:\\f.lnk"), FILE_ATTRIBUTE_ARCHIVE);
+  EXPECT_EQ(GetFileAttributesA(("Z:" + root_ + "/f.lnk").c_str()), FILE_ATTRIBUTE_ARCHIVE);  // "/" as a separator
+}
+
+TEST_F(LinuxDisk, TheCurrentFolderIsTheProcessFolderByTheLongestRoot) {
+  MakeFolder("sub");
+  MakeFolder("sub/deeper");
+  ASSERT_EQ(chdir(Linux("sub/deeper").c_str()), 0);
+  TestSetDrives(("T=" + root_ + ";S=" + root_ + "/sub").c_str());
+  char buffer[MAX_PATH];
+  DWORD length = GetCurrentDirectoryA(sizeof buffer, buffer);
+  EXPECT_EQ(std::string(buffer, length), "S:\\deeper");
+  // A relative path starts there; a path from the root starts at S:'s root.
+  EXPECT_EQ(GetFileAttributesA("..\\deeper"), FILE_ATTRIBUTE_DIRECTORY);
+  EXPECT_EQ(GetFileAttributesA("\\deeper"), FILE_ATTRIBUTE_DIRECTORY);
+  // A process folder that no drive holds: the first mapped drive's root.
+  ASSERT_EQ(chdir("/"), 0);
+  TestSetDrives(("Z=/nonexistent-kelmaro;B=" + root_).c_str());
+  length = GetCurrentDirectoryA(sizeof buffer, buffer);
+  EXPECT_EQ(std::string(buffer, length), "B:\\");
+}
+
+TEST_F(LinuxDisk, ANameAsWrittenWinsOverItsOtherCases) {
+  Touch("a.txt", "lower");
+  Touch("A.TXT", "upper");
+  EXPECT_STREQ(FindFirst("T:\\A.TXT").data.cFileName, "A.TXT");
+  EXPECT_STREQ(FindFirst("T:\\a.txt").data.cFileName, "a.txt");
+  // Neither as written: the first in listing order, which for one name in two cases is by bytes.
+  EXPECT_STREQ(FindFirst("T:\\a.Txt").data.cFileName, "A.TXT");
+  // A drive root lists no "." and "..".
+  EXPECT_EQ(ListNames("T:\\*"), (Names{"A.TXT", "a.txt"}));
+}
+
+TEST_F(LinuxDisk, NamesSpelledAsOnDiskCostNoFolderReads) {
+  MakeFolder("One");
+  MakeFolder("One/Two");
+  Touch("One/Two/f.lnk");
+  size_t before = TestFolderReads();
+  EXPECT_EQ(GetFileAttributesA("T:\\One\\Two\\f.lnk"), FILE_ATTRIBUTE_ARCHIVE);
+  EXPECT_TRUE(FindFirst("T:\\One\\Two\\f.lnk").found);
+  EXPECT_EQ(TestFolderReads(), before);
+  EXPECT_EQ(GetFileAttributesA("T:\\one\\Two\\F.LNK"), FILE_ATTRIBUTE_ARCHIVE);
+  EXPECT_EQ(TestFolderReads(), before + 2);  // "one" and "F.LNK" were looked for
+  EXPECT_EQ(ListNames("T:\\One\\Two\\*"), (Names{".", "..", "f.lnk"}));
+  EXPECT_EQ(TestFolderReads(), before + 3);  // a listing reads its folder once
+}
+
+// Follows links into a folder for as long as FindFirstFileA lists it, as a walk that enters every folder would.
+// Result: the number of levels listed and the error that ended it; each level must list `entries`.
+std::pair<int, DWORD> WalkDown(std::string folder, const std::string &link, const Names &entries) {
+  for (int levels = 0; levels < MAX_PATH; ++levels) {
+    FirstFound found = FindFirst(folder + "\\*");
+    if (!found.found) return {levels, found.error};
+    EXPECT_EQ(ListNames(folder + "\\*"), entries) << folder;
+    folder += "\\" + link;
+  }
+  return {MAX_PATH, 0};
+}
+
+TEST_F(LinuxDisk, ALinkToAFolderLooksLikeAJunction) {
+  MakeFolder("d");
+  Touch("d/x.lnk");
+  Link(".", "d/loop");  // the folder itself
+  Link("..", "d/up");   // its parent
+  for (const char *name : {"T:\\d\\loop", "T:\\d\\up"}) {
+    FirstFound found = FindFirst(name);
+    ASSERT_TRUE(found.found) << name;
+    EXPECT_EQ(found.data.dwFileAttributes, FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT) << name;
+    EXPECT_EQ(found.data.dwReserved0, IO_REPARSE_TAG_SYMLINK) << name;
+  }
+  // ".." is the parent in the path's own terms ("T:\d"), not the parent of the link's target (the drive's parent).
+  EXPECT_EQ(GetFileAttributesA("T:\\d\\up\\..\\x.lnk"), FILE_ATTRIBUTE_ARCHIVE);
+  EXPECT_EQ(GetFileAttributesA("T:\\d\\up\\d\\loop\\loop\\x.lnk"), FILE_ATTRIBUTE_ARCHIVE);
+}
+
+TEST_F(LinuxDisk, ALoopOfLinksEndsAtThePathLimit) {
+  MakeFolder("d");
+  Touch("d/x.lnk");
+  Link(".", "d/loop-loop");
+  // Ten characters a level: the pattern outgrows MAX_PATH long before Linux's limit of 40 links in one path.
+  std::pair<int, DWORD> end = WalkDown("T:\\d", "loop-loop", {".", "..", "loop-loop", "x.lnk"});
+  EXPECT_EQ(end.second, static_cast<DWORD>(ERROR_FILENAME_EXCED_RANGE));
+  EXPECT_EQ(end.first, (MAX_PATH - 4 - 2) / 10 + 1);  // "T:\d" and "\*" around the levels
+}
+
+TEST_F(LinuxDisk, ALoopOfShortLinksEndsAtTheLinkLimit) {
+  MakeFolder("d");
+  Link(".", "d/l");
+  // Two characters a level: Linux stops following after 40 links, as Windows does after 63 reparse points.
+  std::pair<int, DWORD> end = WalkDown("T:\\d", "l", {".", "..", "l"});
+  EXPECT_EQ(end.second, static_cast<DWORD>(ERROR_CANT_RESOLVE_FILENAME));
+  EXPECT_EQ(end.first, 41);  // "T:\d" and 40 links
+}
+
+TEST_F(LinuxDisk, LinksToFilesAndLinksToNothing) {
+  MakeFolder("d");
+  Touch("target.lnk", "12345");
+  Link("target.lnk", "link.lnk");
+  Link("absent", "dead.lnk");
+  Link("self", "self");  // a loop of one
+  Link("d", "dlink");
+  struct Row {
+    const char *name;
+    DWORD attributes;
+    DWORD size;
+  } rows[] = {
+      {"link.lnk", FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_REPARSE_POINT, 5},  // the target's size
+      {"dead.lnk", FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_REPARSE_POINT, 0},
+      {"self", FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_REPARSE_POINT, 0},
+  };
+  for (const Row &row : rows) {
+    FirstFound found = FindFirst(std::string("T:\\") + row.name);
+    ASSERT_TRUE(found.found) << row.name;
+    EXPECT_EQ(found.data.dwFileAttributes, row.attributes) << row.name;
+    EXPECT_EQ(found.data.nFileSizeLow, row.size) << row.name;
+  }
+  SetLastError(0);
+  EXPECT_EQ(CreateFileA("T:\\self", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr), INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_CANT_RESOLVE_FILENAME));
+  // A link is deleted, never what it points to.
+  EXPECT_TRUE(DeleteFileA("T:\\link.lnk"));
+  EXPECT_TRUE(Exists("target.lnk"));
+  SetLastError(0);
+  EXPECT_FALSE(DeleteFileA("T:\\dlink"));  // it looks like a folder
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+  EXPECT_TRUE(RemoveDirectoryA("T:\\dlink"));
+  EXPECT_FALSE(Exists("dlink"));
+  EXPECT_TRUE(Exists("d"));
+}
+
+TEST_F(LinuxDisk, ReadOnlyFollowsTheWriteBits) {
+  Touch("f.lnk");
+  MakeFolder("d");
+  struct Row {
+    const char *name;
+    mode_t mode;
+    DWORD attributes;
+  } rows[] = {
+      {"f.lnk", 0444, FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY},
+      {"f.lnk", 0644, FILE_ATTRIBUTE_ARCHIVE},
+      {"d", 0555, FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY},
+      {"d", 0755, FILE_ATTRIBUTE_DIRECTORY},
+  };
+  for (const Row &row : rows) {
+    ASSERT_EQ(chmod(Linux(row.name).c_str(), row.mode), 0);
+    EXPECT_EQ(GetFileAttributesA((std::string("T:\\") + row.name).c_str()), row.attributes)
+        << row.name << " " << std::oct << row.mode;
+  }
+  ASSERT_TRUE(SetFileAttributesA("T:\\f.lnk", FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN));
+  EXPECT_EQ(Mode("f.lnk"), 0444u);
+  ASSERT_TRUE(SetFileAttributesA("T:\\f.lnk", FILE_ATTRIBUTE_NORMAL));
+  EXPECT_EQ(Mode("f.lnk"), 0644u);  // the owner's write permission comes back
+  ASSERT_TRUE(SetFileAttributesA("T:\\d", FILE_ATTRIBUTE_READONLY));
+  EXPECT_EQ(Mode("d"), 0755u);  // a folder keeps its permissions
+  EXPECT_EQ(_access("T:\\f.lnk", 2), 0);
+  ASSERT_TRUE(SetFileAttributesA("T:\\f.lnk", FILE_ATTRIBUTE_READONLY));
+  errno = 0;
+  EXPECT_EQ(_access("T:\\f.lnk", 2), -1);
+  EXPECT_EQ(errno, EACCES);
+  EXPECT_EQ(_access("T:\\f.lnk", 0), 0);
+  errno = 0;
+  EXPECT_EQ(_access("T:\\absent", 0), -1);
+  EXPECT_EQ(errno, ENOENT);
+}
+
+TEST_F(LinuxDisk, NamesWindowsCannotHoldReadWithMarks) {
+  Touch("a:b");
+  Touch("back\\slash");
+  Touch("\xFF-not-utf8");
+  // In the order of the names on disk: the byte 0xFF reads as U+FFFD, which comes after the letters.
+  EXPECT_EQ(ListNames("T:\\*"), (Names{"a?b", "back?slash", "?-not-utf8"}));
+  // Such a name cannot be opened by what it reads as, just as on Windows, but a wildcard finds it.
+  SetLastError(0);
+  EXPECT_EQ(ErrorOf(GetFileAttributesA("T:\\a?b")), static_cast<DWORD>(ERROR_INVALID_NAME));
+  EXPECT_TRUE(FindFirst("T:\\a?b").found);
+}
+
+TEST_F(LinuxDisk, ListingAChosenFolderCanBeMadeToFail) {
+  MakeFolder("locked");
+  Touch("locked/x.lnk");
+  ASSERT_TRUE(TestFailListing("T:\\locked\\", ERROR_ACCESS_DENIED));
+  EXPECT_FALSE(TestFailListing("", ERROR_ACCESS_DENIED));
+  for (const char *pattern : {"T:\\locked\\*.lnk", "t:\\LOCKED\\*", "T:\\locked\\x.lnk"}) {
+    FirstFound found = FindFirst(pattern);
+    EXPECT_FALSE(found.found) << pattern;
+    EXPECT_EQ(found.error, static_cast<DWORD>(ERROR_ACCESS_DENIED)) << pattern;
+  }
+  EXPECT_EQ(ListNames("T:\\*"), Names{"locked"});  // its parent still lists it
+  EXPECT_EQ(GetFileAttributesA("T:\\locked\\x.lnk"), FILE_ATTRIBUTE_ARCHIVE);
+  TestClearFaults();
+  EXPECT_EQ(ListNames("T:\\locked\\*.lnk"), Names{"x.lnk"});
+}
+
+TEST_F(LinuxDisk, ChosenCallsCanBeMadeToFail) {
+  for (const char *name : {"a", "b", "c", "d"}) Touch(name);
+  EXPECT_FALSE(TestFailCalls("NoSuchOperation", ERROR_ACCESS_DENIED));
+  // Let one through, then fail two.
+  ASSERT_TRUE(TestFailCalls("DeleteFileA", ERROR_ACCESS_DENIED, 2, 1));
+  struct Row {
+    const char *path;
+    bool deleted;
+  } rows[] = {{"T:\\a", true}, {"T:\\b", false}, {"T:\\c", false}, {"T:\\d", true}};
+  for (const Row &row : rows) {
+    SetLastError(0);
+    EXPECT_EQ(DeleteFileA(row.path) != 0, row.deleted) << row.path;
+    EXPECT_EQ(GetLastError(), row.deleted ? 0u : static_cast<DWORD>(ERROR_ACCESS_DENIED)) << row.path;
+    EXPECT_EQ(Exists(row.path + 3), !row.deleted) << row.path;
+  }
+  // A listing that fails in the middle.
+  for (const char *name : {"e", "f"}) Touch(name);
+  ASSERT_TRUE(TestFailCalls("FindNextFileA", ERROR_NOT_ENOUGH_MEMORY));
+  WIN32_FIND_DATAA data;
+  HANDLE search = FindFirstFileA("T:\\*", &data);
+  ASSERT_NE(search, INVALID_HANDLE_VALUE);
+  EXPECT_STREQ(data.cFileName, "b");
+  SetLastError(0);
+  EXPECT_FALSE(FindNextFileA(search, &data));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
+  EXPECT_TRUE(FindNextFileA(search, &data));
+  EXPECT_STREQ(data.cFileName, "c");
+  FindClose(search);
+  // Every call, until cleared.
+  ASSERT_TRUE(TestFailCalls("CreateFileA", ERROR_DISK_FULL, -1));
+  for (int call = 0; call < 3; ++call) {
+    SetLastError(0);
+    EXPECT_EQ(CreateFileA("T:\\new", GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr), INVALID_HANDLE_VALUE);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_DISK_FULL));
+  }
+  EXPECT_FALSE(Exists("new"));
+  TestClearFaults();
+  HANDLE file = CreateFileA("T:\\new", GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+  EXPECT_NE(file, INVALID_HANDLE_VALUE);
+  CloseHandle(file);
+}
+
+TEST_F(LinuxDisk, AnEntryThatGoesAwayDuringAListingIsPassedOver) {
+  for (const char *name : {"a", "b", "c"}) Touch(name);
+  WIN32_FIND_DATAA data;
+  HANDLE search = FindFirstFileA("T:\\*", &data);
+  ASSERT_NE(search, INVALID_HANDLE_VALUE);
+  EXPECT_STREQ(data.cFileName, "a");
+  ASSERT_EQ(unlink(Linux("b").c_str()), 0);
+  ASSERT_TRUE(FindNextFileA(search, &data));
+  EXPECT_STREQ(data.cFileName, "c");
+  EXPECT_FALSE(FindNextFileA(search, &data));
+  FindClose(search);
+}
+
+TEST_F(LinuxDisk, NetworkPathsMiss) {
+  SetLastError(0);
+  EXPECT_EQ(ErrorOf(GetFileAttributesA("\\\\server\\share\\x")), static_cast<DWORD>(ERROR_BAD_NETPATH));
+  SetLastError(0);
+  EXPECT_EQ(CreateFileA("\\\\server\\share\\x", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr),
+            INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_BAD_NETPATH));
+  EXPECT_EQ(GetDriveTypeA("\\\\server\\share\\"), static_cast<UINT>(DRIVE_NO_ROOT_DIR));
+  SetLastError(0);
+  EXPECT_FALSE(GetVolumeInformationA("\\\\server\\share\\", nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_BAD_NETPATH));
+}
+
+TEST_F(LinuxDisk, NewFilesCanBeReadOnlyOrGoneAtTheClose) {
+  HANDLE file = CreateFileA("T:\\ro.lnk", GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_READONLY, nullptr);
+  ASSERT_NE(file, INVALID_HANDLE_VALUE);
+  DWORD written = 0;
+  EXPECT_TRUE(WriteFile(file, "abc", 3, &written, nullptr));  // the handle that made it may still write
+  CloseHandle(file);
+  EXPECT_EQ(GetFileAttributesA("T:\\ro.lnk"), FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY);
+  file = CreateFileA("T:\\temp", GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+  ASSERT_NE(file, INVALID_HANDLE_VALUE);
+  EXPECT_TRUE(Exists("temp"));
+  CloseHandle(file);
+  EXPECT_FALSE(Exists("temp"));
+  // No access asked: a handle to ask about the file, not to read it.
+  file = CreateFileA("T:\\ro.lnk", 0, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(file, INVALID_HANDLE_VALUE);
+  EXPECT_EQ(GetFileSize(file, nullptr), 3u);
+  char byte;
+  DWORD got;
+  SetLastError(0);
+  EXPECT_FALSE(ReadFile(file, &byte, 1, &got, nullptr));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
+  CloseHandle(file);
+  // A folder opens only for one who says so.
+  MakeFolder("d");
+  EXPECT_EQ(CreateFileA("T:\\d", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr), INVALID_HANDLE_VALUE);
+  file = CreateFileA("T:\\d", 0, 0, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  EXPECT_NE(file, INVALID_HANDLE_VALUE);
+  CloseHandle(file);
+}
+
+uint64_t TicksOf(time_t seconds) { return (static_cast<uint64_t>(seconds) + 11644473600ull) * 10000000ull; }
+
+TEST(FileTimes, LocalTimeUsesTheZonesBiasOfNow) {
+  const char *saved = std::getenv("TZ");
+  std::string before = saved ? saved : "";
+  struct Row {
+    const char *zone;
+    int64_t hours;
+  } rows[] = {{"JST-9", 9}, {"UTC0", 0}, {"EST5", -5}};  // zones without daylight saving
+  for (const Row &row : rows) {
+    setenv("TZ", row.zone, 1);
+    tzset();
+    uint64_t ticks = TicksOf(1577836800);  // 2020-01-01 00:00 UTC
+    FILETIME utc = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)}, local;
+    ASSERT_TRUE(FileTimeToLocalFileTime(&utc, &local)) << row.zone;
+    uint64_t localTicks = (static_cast<uint64_t>(local.dwHighDateTime) << 32) | local.dwLowDateTime;
+    EXPECT_EQ(static_cast<int64_t>(localTicks - ticks), row.hours * 3600 * 10000000) << row.zone;
+  }
+  FILETIME tooLate = {0, 0x80000000u}, out;
+  SetLastError(0);
+  EXPECT_FALSE(FileTimeToLocalFileTime(&tooLate, &out));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
+  if (saved)
+    setenv("TZ", before.c_str(), 1);
+  else
+    unsetenv("TZ");
+  tzset();
+}
+
+// Sets an environment variable for one test and puts it back.
+class SavedVariable {
+ public:
+  explicit SavedVariable(const char *name) : name_(name) {
+    const char *value = std::getenv(name);
+    had_ = value != nullptr;
+    if (had_) value_ = value;
+  }
+  ~SavedVariable() {
+    if (had_)
+      setenv(name_.c_str(), value_.c_str(), 1);
+    else
+      unsetenv(name_.c_str());
+  }
+
+ private:
+  std::string name_, value_;
+  bool had_;
+};
+
+TEST_F(LinuxDisk, TheWindowsFolderComesFromTheEnvironment) {
+  SavedVariable windir("windir"), systemRoot("SystemRoot");
+  unsetenv("windir");
+  unsetenv("SystemRoot");
+  char buffer[MAX_PATH];
+  std::memset(buffer, 'G', sizeof buffer);
+  SetLastError(0);
+  EXPECT_EQ(GetWindowsDirectoryA(buffer, sizeof buffer), 0u);
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PATH_NOT_FOUND));
+  EXPECT_STREQ(buffer, "");
+  EXPECT_EQ(GetSystemDirectoryA(buffer, sizeof buffer), 0u);
+  struct Row {
+    const char *variable, *value, *windows, *system;
+  } rows[] = {
+      {"windir", "T:\\Win\\", "T:\\Win", "T:\\Win\\system32"},
+      {"windir", "C:\\", "C:\\", "C:\\system32"},
+      {"SystemRoot", "D:/Windows", "D:\\Windows", "D:\\Windows\\system32"},
+  };
+  for (const Row &row : rows) {
+    unsetenv("windir");
+    setenv(row.variable, row.value, 1);
+    DWORD length = GetWindowsDirectoryA(buffer, sizeof buffer);
+    EXPECT_EQ(std::string(buffer, length), row.windows) << row.value;
+    length = GetSystemDirectoryA(buffer, sizeof buffer);
+    EXPECT_EQ(std::string(buffer, length), row.system) << row.value;
+    unsetenv(row.variable);
+  }
+  setenv("windir", "/usr/share", 1);  // not a drive path: no Windows folder
+  EXPECT_EQ(GetWindowsDirectoryA(buffer, sizeof buffer), 0u);
+}
+
+TEST_F(LinuxDisk, SearchPathLooksInTheCurrentFolderAndInPath) {
+  SavedVariable path("PATH");
+  MakeFolder("bin");
+  Touch("bin/tool.exe");
+  Touch("here.txt");
+  setenv("PATH", ("/nonexistent-kelmaro:" + root_ + "/bin").c_str(), 1);
+  ASSERT_TRUE(SetCurrentDirectoryA("T:\\"));
+  char buffer[MAX_PATH];
+  char *part = nullptr;
+  DWORD length = SearchPathA(nullptr, "tool.exe", nullptr, sizeof buffer, buffer, &part);
+  EXPECT_EQ(std::string(buffer, length), "T:\\bin\\tool.exe");
+  EXPECT_STREQ(part, "tool.exe");
+  length = SearchPathA(nullptr, "here", ".txt", sizeof buffer, buffer, nullptr);
+  EXPECT_EQ(std::string(buffer, length), "T:\\here.txt");
+  SetLastError(0);
+  EXPECT_EQ(SearchPathA(nullptr, "absent.exe", nullptr, sizeof buffer, buffer, nullptr), 0u);
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+}
+
+TEST_F(LinuxDisk, AFileMovesToAnotherFileSystemByCopy) {
+  // /dev/shm is a file system of its own on most machines.
+  std::string shm = MakeLinuxTemp("kelmaro-shm", "/dev/shm");
+  struct stat rootInfo, shmInfo;
+  bool apart = !shm.empty() && stat(root_.c_str(), &rootInfo) == 0 && stat(shm.c_str(), &shmInfo) == 0 &&
+               rootInfo.st_dev != shmInfo.st_dev;
+  if (!apart) {
+    if (!shm.empty()) RemoveLinuxTree(shm);
+    GTEST_SKIP() << "no second file system beside " << root_;
+  }
+  TestSetDrives(("T=" + root_ + ";M=" + shm).c_str());
+  Touch("f.lnk", "moved bytes");
+  struct timespec old[2] = {{0, UTIME_OMIT}, {1000000000, 0}};
+  ASSERT_EQ(utimensat(AT_FDCWD, Linux("f.lnk").c_str(), old, 0), 0);
+  MakeFolder("d");
+  EXPECT_TRUE(MoveFileA("T:\\f.lnk", "M:\\f.lnk")) << GetLastError();
+  EXPECT_FALSE(Exists("f.lnk"));
+  std::ifstream moved(shm + "/f.lnk");
+  std::string text((std::istreambuf_iterator<char>(moved)), std::istreambuf_iterator<char>());
+  EXPECT_EQ(text, "moved bytes");
+  struct stat info;
+  ASSERT_EQ(stat((shm + "/f.lnk").c_str(), &info), 0);
+  EXPECT_EQ(info.st_mtim.tv_sec, 1000000000);
+  SetLastError(0);
+  EXPECT_FALSE(MoveFileA("T:\\d", "M:\\d"));
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_SAME_DEVICE));
+  RemoveLinuxTree(shm);
+}
+
+}  // namespace
