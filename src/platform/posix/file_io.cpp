@@ -89,16 +89,17 @@ HANDLE CreateFileA(LPCSTR fileName, DWORD desiredAccess, DWORD, LPSECURITY_ATTRI
     flags |= O_CREAT | O_EXCL;
   }
   if (!(flags & O_DIRECTORY)) {
-    if (wantRead && wantWrite)
+    // Emptying a file takes write access on Linux, whatever access the caller asked for.
+    bool writes = wantWrite || (flags & O_TRUNC);
+    if (wantRead && writes)
       flags |= O_RDWR;
-    else if (wantWrite)
+    else if (writes)
       flags |= O_WRONLY;
-    else if (wantRead || (flags & (O_CREAT | O_TRUNC)))
+    else if (wantRead || (flags & O_CREAT))
       flags |= O_RDONLY;
     else
       flags |= O_PATH;  // no access asked: a handle to ask about the file, as Windows gives one
   }
-  if (flags & O_TRUNC && !(flags & (O_WRONLY | O_RDWR))) flags = (flags & ~O_RDONLY) | O_WRONLY;
   // Not waiting for a writer when the name is a pipe; the flag is taken off again below.
   int fd = open(path.linux.c_str(), flags | ((flags & O_PATH) ? 0 : O_NONBLOCK), 0666);
   if (fd < 0) {

@@ -64,6 +64,19 @@ TEST(FileOps, CreateFileFollowsEachDisposition) {
   }
 }
 
+TEST(FileOps, ReplacingForReadingOnlyEmptiesTheFileAndReads) {
+  ScratchFolder folder;
+  folder.MakeFile("f.lnk", "old");
+  HANDLE file = CreateFileA((folder / "f.lnk").c_str(), GENERIC_READ, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
+  ASSERT_NE(file, INVALID_HANDLE_VALUE);
+  char byte;
+  DWORD got = 99;
+  EXPECT_TRUE(ReadFile(file, &byte, 1, &got, nullptr)) << GetLastError();
+  EXPECT_EQ(got, 0u);
+  EXPECT_EQ(GetFileSize(file, nullptr), 0u);
+  CloseHandle(file);
+}
+
 TEST(FileOps, WrittenBytesReadBackWithTheirSize) {
   ScratchFolder folder;
   std::string text(70000, 'x');
