@@ -60,8 +60,8 @@ int AttemptRemoval(const char *target, const char *shownPath, int folder, DWORD 
   SetKeptLastError(0);
   BOOL done = folder ? RemoveDirectoryA(target) : DeleteFileA(target);
   *error = CaptureLastError();
-  *claimed = ReportAccessProblem(*error, nullptr, shownPath, GetModuleHandleA(nullptr), kDeleteTitleId,
-                                 kWarningStyle) == 1;
+  *claimed =
+      ReportAccessProblem(*error, nullptr, shownPath, GetModuleHandleA(nullptr), kDeleteTitleId, kWarningStyle) == 1;
   return done ? 1 : 0;
 }
 
@@ -99,7 +99,8 @@ unsigned long long GetFileSize64(HANDLE file) {
   if (fileSizeEx == nullptr) {
     HMODULE kernel = GetModuleHandleA("KERNEL32.DLL");
     if (kernel != nullptr)
-      fileSizeEx = reinterpret_cast<GetFileSizeExCall>(reinterpret_cast<void *>(GetProcAddress(kernel, "GetFileSizeEx")));
+      fileSizeEx =
+          reinterpret_cast<GetFileSizeExCall>(reinterpret_cast<void *>(GetProcAddress(kernel, "GetFileSizeEx")));
   }
   unsigned long long size = ~0ull;
   SetKeptLastError(0);

@@ -1,7 +1,7 @@
 // File operations with one error policy: every file-system call of the program goes through a wrapper here. Each
 // accepts paths of the network view (a place of the view that has no real form is answered without a system call),
-// keeps the system's last error (reports/last_error.h) with the run-time error number in step with it, and gives a plain
-// result. After any result that means failure, the caller reads the two error records.
+// keeps the system's last error (reports/last_error.h) with the run-time error number in step with it, and gives a
+// plain result. After any result that means failure, the caller reads the two error records.
 //
 // Paths are Shift-JIS, at most 520 bytes with the terminator, and must be writable: a network path is edited in place
 // for the time of the call and put back before the wrapper returns (exceptions are stated at the routine).

@@ -81,6 +81,11 @@ typedef void *HGLOBAL;
 
 // The module handle is a token on Linux: nothing is loaded from it, string resources are compiled in.
 HMODULE GetModuleHandleA(LPCSTR moduleName);
+// The few operations that the engine looks up by name (the ones the oldest Windows lack) are always found; any other
+// name gives null with ERROR_PROC_NOT_FOUND. The module is not looked at.
+typedef intptr_t (*FARPROC)(void);
+#define ERROR_PROC_NOT_FOUND 127
+FARPROC GetProcAddress(HMODULE module, LPCSTR procName);
 DWORD GetLastError(void);
 void SetLastError(DWORD code);
 HWND GetDesktopWindow(void);

@@ -1,5 +1,8 @@
-// SHGetFileInfoA on Linux: the program type from a file's header, the icon location from our .lnk reader.
-#include "platform/posix/shell_info.h"
+// SHGetFileInfoA on Linux: the executable type of a file, read from its DOS header and the header that e_lfanew
+// points at; and the icon location of a file, for a shortcut read by our .lnk reader.
+// This header is reached through winapi.h, which declares the types it uses.
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
@@ -10,75 +13,77 @@
 #include "platform/posix/lnk_file_access.h"
 #include "platform/posix/lnk_text.h"
 #include "platform/posix/path_resolver.h"
+#include "platform/winapi.h"
 
 namespace {
 
-uint16_t Word(const std::vector<uint8_t> &bytes, size_t offset) {
-  return offset + 2 <= bytes.size() ? static_cast<uint16_t>(bytes[offset] | (bytes[offset + 1] << 8)) : 0;
+const DWORD kPortable = 0x4550;  // "PE" as a little-endian word
+const DWORD kNew = 0x454E;       // "NE"
+const DWORD kDos = 0x5A4D;       // "MZ"
+
+// Offsets in the headers (IMAGE_DOS_HEADER, IMAGE_NT_HEADERS, IMAGE_OS2_HEADER).
+const size_t kDosHeaderSize = 0x40;
+const size_t kRelocationTable = 0x18;  // e_lfarlc: at 0x40 or above a later format follows
+const size_t kNewHeaderOffset = 0x3C;  // e_lfanew
+const size_t kOptionalHeader = 24;     // behind "PE\0\0" and the file header
+const size_t kSubsystemVersion = kOptionalHeader + 48;
+const size_t kSubsystem = kOptionalHeader + 68;
+const size_t kNewTargetSystem = 0x36;  // ne_exetyp: 2 is Windows
+const size_t kNewExpectedVersion = 0x3E;
+const size_t kLaterHeaderSize = kSubsystem + 2;
+const unsigned kWindowedSubsystem = 2;
+
+unsigned Word(const unsigned char *p) { return p[0] | (p[1] << 8); }
+DWORD DoubleWord(const unsigned char *p) { return Word(p) | (static_cast<DWORD>(Word(p + 2)) << 16); }
+
+bool EndsInExtension(const char *path, const char *extension) {
+  const char *dot = std::strrchr(path, '.');
+  if (dot == nullptr || std::strchr(dot, '\\') != nullptr || std::strchr(dot, '/') != nullptr) return false;
+  return lstrcmpiA(dot + 1, extension) == 0;
 }
 
-uint32_t Dword(const std::vector<uint8_t> &bytes, size_t offset) {
-  return offset + 4 <= bytes.size() ? Word(bytes, offset) | (static_cast<uint32_t>(Word(bytes, offset + 2)) << 16) : 0;
-}
-
-// The first `limit` bytes of the file at a program path, or false when it is not a file that can be read.
-bool ReadHead(const char *path, size_t limit, std::vector<uint8_t> *bytes, std::string *name) {
-  DiskPath found;
-  if (FindProgramPath(path, &found) != 0 || !found.exists || found.facts.attributes & 0x10) return false;
-  FILE *file = std::fopen(found.linux.c_str(), "rb");
-  if (file == nullptr) return false;
-  bytes->resize(limit);
-  size_t read = std::fread(bytes->data(), 1, limit, file);
-  std::fclose(file);
-  bytes->resize(read);
-  *name = found.diskName;
-  return true;
-}
-
-bool HasExtension(const std::string &name, const char *extension) {
-  size_t dot = name.rfind('.');
-  if (dot == std::string::npos) return false;
-  std::string have = name.substr(dot + 1);
-  if (have.size() != std::strlen(extension)) return false;
-  for (size_t i = 0; i < have.size(); ++i)
-    if ((have[i] | 0x20) != extension[i]) return false;
-  return true;
-}
-
-uintptr_t ExecutableType(const char *path) {
-  std::vector<uint8_t> bytes;
-  std::string name;
-  if (!ReadHead(path, 4096, &bytes, &name)) return 0;
-  const uintptr_t kMz = 0x5A4D, kPe = 0x4550, kNe = 0x454E;
-  if (HasExtension(name, "bat") || HasExtension(name, "com")) return kMz;
-  if (!HasExtension(name, "exe") || Word(bytes, 0) != kMz) return 0;
-  uint32_t header = Dword(bytes, 0x3C);
-  if (header != 0 && header + 0x60 <= bytes.size()) {
-    if (Dword(bytes, header) == 0x00004550u) {
-      // The optional header follows the 20-byte file header: its subsystem and subsystem version tell a Windows
-      // program (2, GUI) from a console one (3).
-      size_t optional = header + 24;
-      uint16_t subsystem = Word(bytes, optional + 68);
-      uint16_t major = Word(bytes, optional + 48);
-      uint16_t minor = Word(bytes, optional + 50);
-      if (subsystem == 2) return kPe | (static_cast<uintptr_t>((major << 8) | (minor & 0xFF)) << 16);
-      if (subsystem == 3) return kPe;
-      return 0;
-    }
-    if (Word(bytes, header) == kNe) {
-      uint16_t version = Word(bytes, header + 0x3E);
-      return kNe | (static_cast<uintptr_t>(version) << 16);
-    }
+// Reads up to `size` bytes at `offset`. Result: the number read.
+size_t ReadAt(int file, size_t offset, unsigned char *buffer, size_t size) {
+  size_t got = 0;
+  while (got < size) {
+    ssize_t n = pread(file, buffer + got, size - got, static_cast<off_t>(offset + got));
+    if (n <= 0) break;
+    got += static_cast<size_t>(n);
   }
-  return kMz;
+  return got;
 }
 
-uintptr_t IconLocation(const char *path, SHFILEINFOA *info) {
+// The type from the headers of an open file; `dosFallback` is the answer for a file that is no MZ image (a .com file
+// is a DOS program whatever its bytes).
+DWORD TypeFromHeaders(int file, DWORD dosFallback) {
+  unsigned char dos[kDosHeaderSize];
+  if (ReadAt(file, 0, dos, sizeof dos) < sizeof dos || dos[0] != 'M' || dos[1] != 'Z') return dosFallback;
+  if (Word(dos + kRelocationTable) < kDosHeaderSize) return kDos;
+  DWORD offset = DoubleWord(dos + kNewHeaderOffset);
+  unsigned char later[kLaterHeaderSize];
+  size_t got = ReadAt(file, offset, later, sizeof later);
+  if (got >= 4 && std::memcmp(later, "PE\0\0", 4) == 0) {
+    if (got < kLaterHeaderSize) return 0;
+    if (Word(later + kSubsystem) != kWindowedSubsystem) return kPortable;
+    unsigned major = Word(later + kSubsystemVersion), minor = Word(later + kSubsystemVersion + 2);
+    return kPortable | ((major & 0xFF) << 24) | ((minor & 0xFF) << 16);
+  }
+  if (got >= 2 && later[0] == 'N' && later[1] == 'E') {
+    if (got < kNewExpectedVersion + 2 || later[kNewTargetSystem] != 2) return 0;
+    return kNew | (static_cast<DWORD>(Word(later + kNewExpectedVersion)) << 16);
+  }
+  return kDos;  // the DOS stub of some other format still runs as a DOS program
+}
+
+// The file that holds the icon of `path` and the icon's index: for a shortcut its stored icon location (environment
+// names expanded when every one is set) and index; for any other file the file itself and 0. 0 for a path that is not
+// there or a shortcut that cannot be read.
+DWORD_PTR IconLocation(LPCSTR path, SHFILEINFOA *info) {
   DiskPath found;
   if (FindProgramPath(path, &found) != 0 || !found.exists) return 0;
   std::snprintf(info->szDisplayName, sizeof info->szDisplayName, "%s", path);
   info->iIcon = 0;
-  if (!HasExtension(found.diskName, "lnk")) return 1;
+  if (!EndsInExtension(path, "lnk")) return 1;
   std::vector<uint8_t> bytes;
   ShellLinkRecord record;
   if (ReadShortcutFile(path, 16u << 20, &bytes) != 0 ||
@@ -98,9 +103,16 @@ uintptr_t IconLocation(const char *path, SHFILEINFOA *info) {
 
 }  // namespace
 
-uintptr_t SHGetFileInfoA(const char *path, DWORD, SHFILEINFOA *info, unsigned size, unsigned flags) {
-  if (path == nullptr) return 0;
-  if (flags & SHGFI_EXETYPE) return ExecutableType(path);
-  if ((flags & SHGFI_ICONLOCATION) && info != nullptr && size >= sizeof(SHFILEINFOA)) return IconLocation(path, info);
-  return 0;
+DWORD_PTR SHGetFileInfoA(LPCSTR path, DWORD, SHFILEINFOA *info, UINT infoSize, UINT flags) {
+  if (flags == SHGFI_ICONLOCATION && path != nullptr && info != nullptr && infoSize >= sizeof(SHFILEINFOA))
+    return IconLocation(path, info);
+  if (flags != SHGFI_EXETYPE || path == nullptr || *path == 0) return 0;
+  DiskPath found;
+  if (FindProgramPath(path, &found) != 0 || !found.exists || found.isRoot || found.facts.isDirectory) return 0;
+  if (EndsInExtension(path, "bat") || EndsInExtension(path, "cmd")) return kPortable;
+  int file = open(found.linux.c_str(), O_RDONLY | O_CLOEXEC);
+  if (file < 0) return 0;
+  DWORD type = TypeFromHeaders(file, EndsInExtension(path, "com") ? kDos : 0);
+  close(file);
+  return type;
 }

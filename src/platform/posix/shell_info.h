@@ -1,10 +1,10 @@
-// SHGetFileInfoA on Linux, for the two questions the engine asks: a file's program type, and the icon that a file
-// (a shortcut above all) shows. Private to the Linux backend; winapi.h includes it.
+// SHGetFileInfoA of the Linux backend, for the one question that the engine asks of it: the kind of an executable file
+// (SHGFI_EXETYPE), read from the file's headers as Windows reads them. platform/winapi.h includes this header on Linux;
+// the engine never includes it itself.
 #pragma once
 
-#include "platform/posix/win_types.h"
-
-typedef void *HICON;
+typedef struct HICON__ *HICON;
+typedef ULONG_PTR DWORD_PTR;
 
 typedef struct _SHFILEINFOA {
   HICON hIcon;
@@ -17,10 +17,12 @@ typedef struct _SHFILEINFOA {
 #define SHGFI_ICONLOCATION 0x000001000u
 #define SHGFI_EXETYPE 0x000002000u
 
-// flags SHGFI_EXETYPE: 0 for a file that is no program; else the signature in the low word ("PE" 0x4550, "NE"
-// 0x454E, "MZ" 0x5A4D) and, for a Windows program, its expected Windows version in the high word (0 for a console
-// or MS-DOS program). A .com or .bat file counts as MS-DOS ("MZ", 0), as Windows answers for it.
-// flags SHGFI_ICONLOCATION: 1 with `info` holding the file that holds the icon and the icon's index; for a shortcut
-// its stored icon location (environment names expanded) and index, for any other file the file itself and 0. 0 for a
-// path that is not there or a shortcut that cannot be read.
-uintptr_t SHGetFileInfoA(const char *path, DWORD attributes, SHFILEINFOA *info, unsigned size, unsigned flags);
+// With SHGFI_EXETYPE, the type of the executable file at `path`, as Windows documents it:
+// - LOWORD "PE" (0x4550) or "NE" (0x454E), HIWORD the Windows version the program was made for (for PE the subsystem
+//   version, 0x0400 for 4.0): a windowed Windows program;
+// - LOWORD "PE", HIWORD 0: a console program, or a batch file (.bat, .cmd, by its extension);
+// - LOWORD "MZ" (0x5A4D), HIWORD 0: a DOS program (.exe, or .com by its extension), also the DOS stub of a format
+//   that is neither PE nor NE;
+// - 0: not an executable, no such file, a folder, or another flag than SHGFI_EXETYPE (nothing else is answered here).
+// An NE file made for another system than Windows (OS/2) gives 0. `fileAttributes` and `info` are not used.
+DWORD_PTR SHGetFileInfoA(LPCSTR path, DWORD fileAttributes, SHFILEINFOA *info, UINT infoSize, UINT flags);
