@@ -33,38 +33,38 @@ int MapLastError(void) {
     case 18:
     case 123:
     case 161:
-      number = 2;
+      number = 2;  // ENOENT
       break;
     case 4:
-      number = 24;
+      number = 24;  // EMFILE
       break;
     case 5:
     case 12:
-      number = 13;
+      number = 13;  // EACCES
       break;
     case 6:
-      number = 9;
+      number = 9;  // EBADF
       break;
     case 8:
     case 14:
     case 1130:
     case 0x80030008u:
     case 0x8007000Eu:
-      number = 12;
+      number = 12;  // ENOMEM
       break;
     case 11:
-      number = 8;
+      number = 8;  // ENOEXEC
       break;
     case 39:
     case 112:
-      number = 28;
+      number = 28;  // ENOSPC
       break;
     case 80:
     case 183:
-      number = 17;
+      number = 17;  // EEXIST
       break;
     default:
-      number = 22;
+      number = 22;  // EINVAL
       break;
   }
   SetRunTimeError(number);

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "files/directory_search.h"
 #include "files/error_numbers.h"
 #include "files/file_operations.h"
 #include "machine/network_paths.h"
@@ -21,45 +22,6 @@ namespace {
 char exactPathBuffer[kPathSize];
 // Set while a walk runs, so that a walk reached from inside one gives its path back instead of recursing.
 int exactInProgress = 0;
-
-// The exact-path find: looks at exactly one path, with no repair of the found name, and keeps the error records as
-// every file wrapper does. A level of the network view that has no real form is answered from the path itself: a
-// record of a folder named as its last component, handle 0. Result: 0 on success (the caller owns and closes the
-// handle in *handleOut, which can be the invalid value after a failed call that left no error); else the run-time
-// error number, with *handleOut 0.
-int FindExactEntry(WIN32_FIND_DATAA *record, char *path, HANDLE *handleOut) {
-  SetKeptLastError(0);
-  int saved = 0;
-  char *real = IsNetworkPath(path) ? ToRealNetworkPath(path, &saved) : path;
-  if (IsNetworkPath(path) && saved == 0) {
-    std::memset(record, 0, sizeof *record);
-    if (*path != 0) {
-      const char *name = SplitFileName(nullptr, path);
-      if (name != nullptr) {
-        std::strncpy(record->cFileName, name, sizeof record->cFileName - 1);
-        record->dwFileAttributes = FILE_ATTRIBUTE_DIRECTORY;
-      }
-    }
-    *handleOut = nullptr;
-    return 0;
-  }
-  SetKeptLastError(0);
-  HANDLE found = FindFirstFileA(real, record);
-  *handleOut = found;
-  DWORD error = CaptureLastError();
-  int number = MapKeptError();
-  RestoreNetworkPath(real, saved);
-  int outcome = 0;
-  if (found == INVALID_HANDLE_VALUE) {
-    outcome = GetRunTimeError();
-  } else if (number != 0) {
-    FindClose(found);
-    outcome = number;
-  }
-  if (outcome != 0) *handleOut = nullptr;
-  SettleErrors(error);
-  return outcome;
-}
 
 // Copies at most 519 bytes and a terminator; `src` may overlap `dest`.
 void CopyText(char *dest, const char *src) {
@@ -157,7 +119,7 @@ int Rebuild(char *path, char *work, unsigned char flags, int *foundBySearch) {
     WIN32_FIND_DATAA record;
     HANDLE found = nullptr;
     char *name = start;
-    if (FindExactEntry(&record, walked, &found) != 0) {
+    if (FindFirstExact(&record, walked, &found) != 0) {
       // What cannot be asked for ends the walk; the component itself still goes in, in "Program files" case.
       FoldPathCase(start, nullptr, (flags & kExactNoFolding) ? 1 : 2);
       ended = 1;

@@ -25,7 +25,18 @@ DESCRIPTION = dict(OPTION_ROWS)
 YES_NO = "Y:はい N:いいえ>>"
 ANY_KEY = "Press Any Key>>"
 TYPED_PROMPT = "\n>[-ｵﾌﾟｼｮﾝ] 検索ﾌｫﾙﾀﾞ 旧文字列 新文字列 \n>"
-END_OF_RUN = "\n\n\n====> 終了：" + ANY_KEY
+
+
+def run_output(letters, *folders):
+    """What a run over folders without shortcuts prints: a newline, each folder under p, the closing message
+    under k."""
+    text = "\n"
+    if "p" in letters:
+        text += "".join("\n " + folder for folder in folders)
+    if "k" in letters:
+        text += "\n\n====> 終了：" + ANY_KEY
+    return text
+
 LABELS = ["検索ﾌｫﾙﾀﾞ", "旧文字列", "新文字列"]
 
 
@@ -78,17 +89,17 @@ class ArgumentForms(harness.ProgramTest):
     def test_full_command_lines(self):
         cases = [
             # (arguments, standard input, expected output, exit code)
-            (["-fdk", "F", "old", "new"], b"yk", confirmation("F", "old", "new", "fdk") + "Y" + END_OF_RUN, 1),
+            (["-fdk", "F", "old", "new"], b"yk", confirmation("F", "old", "new", "fdk") + "Y" + run_output("fdk", "F"), 1),
             # Without k nothing is asked and nothing is waited for: the run can go unattended.
-            (["-fdpr", "F", "old", "new"], b"", "\n", 1),
+            (["-fdpr", "F", "old", "new"], b"", run_output("fdpr", "F"), 1),
             # Without options the default -fdkpr applies.
-            (["F", "old", "new"], b"yk", confirmation("F", "old", "new", "fdkpr") + "Y" + END_OF_RUN, 1),
+            (["F", "old", "new"], b"yk", confirmation("F", "old", "new", "fdkpr") + "Y" + run_output("fdkpr", "F"), 1),
             # Letters given twice are listed twice; p, r and k are listed too.
-            (["-fdrrk", "F", "o", "n"], b"yk", confirmation("F", "o", "n", "fdrrk") + "Y" + END_OF_RUN, 1),
+            (["-fdrrk", "F", "o", "n"], b"yk", confirmation("F", "o", "n", "fdrrk") + "Y" + run_output("fdrrk", "F"), 1),
             # Blanks in front of the letters are trimmed.
-            (["- fdk", "F", "o", "n"], b"yk", confirmation("F", "o", "n", "fdk") + "Y" + END_OF_RUN, 1),
+            (["- fdk", "F", "o", "n"], b"yk", confirmation("F", "o", "n", "fdk") + "Y" + run_output("fdk", "F"), 1),
             # Quotes around an item are stripped on its way to the store.
-            (["-fdk", "F", "\"o l d\"", "n"], b"yk", confirmation("F", "o l d", "n", "fdk") + "Y" + END_OF_RUN, 1),
+            (["-fdk", "F", "\"o l d\"", "n"], b"yk", confirmation("F", "o l d", "n", "fdk") + "Y" + run_output("fdk", "F"), 1),
             # A declined confirmation.
             (["-fdk", "F", "old", "new"], b"nk",
              confirmation("F", "old", "new", "fdk") + "N\n\n====> 中止しました : " + ANY_KEY, 0),
@@ -96,13 +107,13 @@ class ArgumentForms(harness.ProgramTest):
             (["-fdk", "F", "old", "new"], b"",
              confirmation("F", "old", "new", "fdk") + "\n\n====> 中止しました : " + ANY_KEY, 0),
             # Keys that are no answer are passed over.
-            (["-fdk", "F", "old", "new"], b"qxyk", confirmation("F", "old", "new", "fdk") + "Y" + END_OF_RUN, 1),
+            (["-fdk", "F", "old", "new"], b"qxyk", confirmation("F", "old", "new", "fdk") + "Y" + run_output("fdk", "F"), 1),
             # Double-byte texts pass through unchanged.
-            (["-fdk", "F", "旧表", "新"], b"yk", confirmation("F", "旧表", "新", "fdk") + "Y" + END_OF_RUN, 1),
+            (["-fdk", "F", "旧表", "新"], b"yk", confirmation("F", "旧表", "新", "fdk") + "Y" + run_output("fdk", "F"), 1),
         ]
         for args, stdin, expected, code in cases:
             args = [self.folder if a == "F" else a for a in args]
-            expected = expected.replace("    検索ﾌｫﾙﾀﾞ F\n", "    検索ﾌｫﾙﾀﾞ %s\n" % self.shown)
+            expected = expected.replace("    検索ﾌｫﾙﾀﾞ F\n", "    検索ﾌｫﾙﾀﾞ %s\n" % self.shown).replace("\n F", "\n " + self.shown)
             with self.subTest(args=args):
                 self.assertOutput(harness.run(args, stdin), expected, code)
 
@@ -140,16 +151,18 @@ class CompatibilityOfLetters(harness.ProgramTest):
                 if not accepted:
                     self.assertOutput(result, incompatible(letters), 0)
                 elif "k" in letters:
-                    expected = confirmation(harness.drive_form(self.scratch), "old", "new", letters) + "Y" + END_OF_RUN
+                    shown = harness.drive_form(self.scratch)
+                    expected = confirmation(shown, "old", "new", letters) + "Y" + run_output(letters, shown)
                     self.assertOutput(result, expected, 1)
                 else:
-                    self.assertOutput(result, "\n", 1)
+                    self.assertOutput(result, run_output(letters, ""), 1)
 
 
 class TypedLine(harness.ProgramTest):
     def test_rounds_of_the_prompt(self):
         # A typed line is not an argument: the folder is typed in the drive form, as a user would.
         folder = shown = harness.drive_form(self.scratch)
+        os.mkdir(os.path.join(self.scratch, "a b"))
         usage = usage_prompting()
         again = usage + "Y" + TYPED_PROMPT
         cases = [
@@ -157,10 +170,12 @@ class TypedLine(harness.ProgramTest):
             ("Y-fd %s old new\n" % folder, again + "\n", 1),
             # Three items: the default options, confirmed.
             ("Y%s old new\nyk" % folder,
-             again + confirmation(shown, "old", "new", "fdkpr") + "Y" + END_OF_RUN, 1),
+             again + confirmation(shown, "old", "new", "fdkpr") + "Y" + run_output("fdkpr", shown, shown + "\\a b"),
+             1),
             # A quoted first item may hold blanks.
             ("Y\"%s\\a b\" old new\nyk" % folder,
-             again + confirmation(shown + "\\a b", "old", "new", "fdkpr") + "Y" + END_OF_RUN, 1),
+             again + confirmation(shown + "\\a b", "old", "new", "fdkpr") + "Y" + run_output("fdkpr", shown + "\\a b"),
+             1),
             # A quote further on makes the first item run to the blank behind the quoted stretch: here the line
             # holds two items, and the prompt comes round again.
             ("Y-fdk %s \"o l d\" new\nN" % folder, again + usage + "N", 0),
