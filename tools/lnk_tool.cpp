@@ -112,12 +112,13 @@ void ReadOne(const char *file) {
   link->Release();
 }
 
-// The writer's order of calls: icon, path, arguments, description, working folder, show command, save.
+// The writer's order of calls: icon, path, arguments, description, working folder, show command, save. A hotkey can
+// be set as well, which the engine's writer never does.
 int WriteOne(const char *fieldsFile) {
   FILE *fields = std::fopen(fieldsFile, "rb");
   if (fields == nullptr) return 2;
   std::string file, target, args, workdir, icon, desc;
-  int index = 0, show = 0;
+  int index = 0, show = 0, hotkey = 0;
   bool hasArgs = false, hasWorkdir = false, hasDesc = false;
   char line[4096];
   while (std::fgets(line, sizeof line, fields) != nullptr) {
@@ -134,6 +135,7 @@ int WriteOne(const char *fieldsFile) {
     if (key == "desc") desc = value, hasDesc = true;
     if (key == "index") index = std::atoi(value.c_str());
     if (key == "show") show = std::atoi(value.c_str());
+    if (key == "hotkey") hotkey = std::atoi(value.c_str());
   }
   std::fclose(fields);
   IShellLinkA *link;
@@ -147,6 +149,8 @@ int WriteOne(const char *fieldsFile) {
   if (hasDesc && FAILED(link->SetDescription(desc.c_str()))) failed |= 0x20;
   if (hasWorkdir && FAILED(link->SetWorkingDirectory(workdir.c_str()))) failed |= 0x8;
   if (show != 0 && FAILED(link->SetShowCmd(show))) failed |= 0x10;
+  // Not something the engine sets: a test sets it to see that a rewrite drops it.
+  if (hotkey != 0 && FAILED(link->SetHotkey(static_cast<WORD>(hotkey)))) failed |= 0x40;
   if (FAILED(persist->Save(Wide(file.c_str()).data(), TRUE))) failed |= 0x40000;
   persist->Release();
   link->Release();

@@ -21,6 +21,7 @@ def options():
         parser = argparse.ArgumentParser()
         parser.add_argument("--program", required=True)
         parser.add_argument("--wine", default=None)
+        parser.add_argument("--lnk-tool", default=None)
         _options, rest = parser.parse_known_args()
         sys.argv[1:] = rest
     return _options
@@ -103,3 +104,60 @@ class ProgramTest(unittest.TestCase):
 def main():
     options()
     unittest.main(verbosity=2)
+
+
+def _tool_command(args):
+    tool = options().lnk_tool
+    if tool is None:
+        raise unittest.SkipTest("no --lnk-tool given")
+    return ([options().wine, tool] if under_wine() else [tool]) + args
+
+
+def _escape(text):
+    return "".join("^%02X" % ord(c) if ord(c) < 0x20 or c == "^" else c for c in text)
+
+
+def _unescape(text):
+    out, i = "", 0
+    while i < len(text):
+        if text[i] == "^" and i + 2 < len(text) + 1:
+            out += chr(int(text[i + 1:i + 3], 16))
+            i += 3
+        else:
+            out += text[i]
+            i += 1
+    return out
+
+
+def write_shortcut(linux_path, **fields):
+    """Writes a shortcut through the build's own shell link interface (ours on Linux, Wine's under Wine). Field
+    texts are given as Windows paths and texts; keys: target, args, workdir, icon, index, desc, show, hotkey."""
+    spec = linux_path + ".fields"
+    lines = ["file=" + drive_form(linux_path)] + ["%s=%s" % (k, _escape(str(v))) for k, v in fields.items()]
+    with open(spec, "wb") as out:
+        out.write(("\n".join(lines) + "\n").encode("cp932"))
+    spec_argument = drive_form(spec) if under_wine() else spec
+    completed = subprocess.run(_tool_command(["write", spec_argument]), stdout=subprocess.PIPE,
+                               stderr=subprocess.PIPE, env=_tool_environment(), timeout=120)
+    os.remove(spec)
+    if not completed.stdout.rstrip().endswith(b"write=0"):
+        raise AssertionError("could not write %s: %r %r" % (linux_path, completed.stdout, completed.stderr))
+
+
+def read_shortcut(linux_path):
+    """The fields of a shortcut as the build's shell link interface reads them: a dict of texts."""
+    completed = subprocess.run(_tool_command(["read", drive_form(linux_path)]), stdout=subprocess.PIPE,
+                               stderr=subprocess.PIPE, env=_tool_environment(), timeout=120)
+    line = completed.stdout.decode("cp932").strip().split("\n")[0]
+    fields = {}
+    for item in line.split("\t")[1:]:
+        key, _, value = item.partition("=")
+        fields[key] = _unescape(value)
+    return fields
+
+
+def _tool_environment():
+    environment = dict(os.environ)
+    if not under_wine():
+        environment["LC_ALL"] = "C"
+    return environment
