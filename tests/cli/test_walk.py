@@ -25,6 +25,12 @@ class WalkOrder(harness.ProgramTest):
         expected = "\n" + "".join("\n %s%s" % (shown, folder) for folder in folders)
         self.assertOutput(result, expected, 1)
 
+    def test_a_start_folder_typed_in_another_case_is_walked_in_the_disks_spelling(self):
+        os.makedirs(os.path.join(self.scratch, "MixedCase", "Inner"))
+        typed = harness.drive_form(os.path.join(self.scratch, "mixedCASE")).lower()
+        shown = harness.drive_form(os.path.join(self.scratch, "MixedCase"))
+        self.assertOutput(harness.run(["-fdp", typed, "old", "new"]), "\n\n %s\n %s\\Inner" % (shown, shown), 1)
+
     def test_without_p_and_r_a_run_prints_one_newline(self):
         make_tree(self.scratch, ["a.lnk", "sub/b.lnk"])
         self.assertOutput(harness.run(["-fd", harness.folder_argument(self.scratch), "old", "new"]), "\n", 1)
