@@ -7,12 +7,14 @@
 #include <cstring>
 
 #include "files/error_numbers.h"
+#include "files/folder_checks.h"
 #include "files/path_views.h"
 #include "files/program_files.h"
-#include "machine/machine_seams.h"
+#include "machine/drive_inventory.h"
 #include "machine/network_paths.h"
+#include "machine/special_folders.h"
+#include "reports/error_reporter.h"
 #include "reports/last_error.h"
-#include "reports/report_seams.h"
 #include "text/memory_blocks.h"
 #include "text/path_strings.h"
 #include "text/tokens.h"

@@ -22,3 +22,5 @@ int CheckFolderOrReport(HWND, const char *path, int mode, const char *) {
 }
 
 int CheckPathSyntaxRules(HWND, char *, int, unsigned) { return 0; }
+
+int ReportPathFault(HWND, const char *, int, int, int) { return 0; }

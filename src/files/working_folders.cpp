@@ -5,9 +5,10 @@
 
 #include "files/error_numbers.h"
 #include "files/file_operations.h"
+#include "files/folder_checks.h"
 #include "files/path_views.h"
+#include "reports/error_reporter.h"
 #include "reports/last_error.h"
-#include "reports/report_seams.h"
 #include "text/memory_blocks.h"
 #include "text/myjctype.h"
 #include "text/path_strings.h"

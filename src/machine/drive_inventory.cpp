@@ -9,3 +9,6 @@ int DriveLettersOfKinds(char *buffer, unsigned) {
 void ReleaseDriveTable(void) {}
 
 int IsOnRemovableMedia(const char *) { return 0; }
+
+int DriveFileSystemKind(int) { return -1; }
+int StoreDriveFileSystem(int, const char *) { return -1; }

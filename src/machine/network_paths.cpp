@@ -94,3 +94,5 @@ int ResolveNetworkName(const char *path, char *out) {
   }
   return (bits & kNetBelowShare) ? 0 : -1;
 }
+
+int GetVolumeDetails(const char *, char *, DWORD, DWORD *, DWORD *, DWORD *, char *, DWORD) { return 0; }

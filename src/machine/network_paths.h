@@ -2,6 +2,8 @@
 // how deep a path lies, and the real path inside a view path, made in place for the time of one system call.
 #pragma once
 
+#include "platform/winapi.h"
+
 // Classification bits of a network path.
 enum NetworkClass {
   kNetRoot = 0x01,
@@ -33,3 +35,7 @@ int RestoreNetworkPath(char *pointer, int saved);
 // The proper spelling of a network path. Without a network listing nothing is ever found: the path is written to
 // `out` upper-cased (the share of a view path gets a capital and lower case). Result: -1 above a share, 0 below.
 int ResolveNetworkName(const char *path, char *out);
+// The volume facts of the root `root`, as GetVolumeInformationA gives them, by the network rules. Result: not 0 on
+// success. Not wired in yet: the volume never answers (0), and the buffers are left as they were.
+int GetVolumeDetails(const char *root, char *label, DWORD labelSize, DWORD *serial, DWORD *maxLength, DWORD *flags,
+                     char *fileSystemName, DWORD fileSystemNameSize);

@@ -11,8 +11,8 @@
 #ifdef _WIN32
 
 #include <io.h>
-#include <windows.h>
 #include <objbase.h>
+#include <windows.h>
 // SHGetFileInfoA, which the lean Windows headers leave out.
 #include <shellapi.h>
 

@@ -9,3 +9,4 @@ void ReportBeep(unsigned) {}
 void SetNetworkMessagesQuiet(int value) { networkMessagesQuiet = value; }
 void SetReportStyle(unsigned, const char *) {}
 int ReportErrorWithAttributes(HWND, const char *, const char *, const char *, int) { return 0; }
+int ReportAccessProblem(DWORD, const char *, const char *, HMODULE, UINT, UINT) { return 0; }

@@ -12,3 +12,8 @@ void SetReportStyle(unsigned style, const char *line);
 // Tells a fault about `path` with the system's error and the path's attributes. Result: the user's answer (a
 // message-box code), or 0 when nothing was asked.
 int ReportErrorWithAttributes(HWND owner, const char *path, const char *text, const char *title, int nameMode);
+// The access question for a refused delete or remove. `code` is the captured system error; `name` (may be null) or
+// else `path` names the object; `module` and `titleId` give the title; `style` is the prompt's style. Result: 1 when
+// the caller is to treat the operation as failed and try nothing more, -1 to go on, 0 when the error was not a refused
+// access. Not wired in yet: always 0, so the caller's own failure handling decides.
+int ReportAccessProblem(DWORD code, const char *name, const char *path, HMODULE module, UINT titleId, UINT style);

@@ -1,5 +1,6 @@
 // The Windows side of the platform layer: the real standard streams, and the key rule for input that is not a console.
 #include <conio.h>
+
 #include <cstdio>
 
 #include "platform/console_backend.h"

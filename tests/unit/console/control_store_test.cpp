@@ -47,7 +47,7 @@ TEST_F(ControlStore, GetControlText) {
   GetControlText(nullptr, 3018, buffer, sizeof buffer);
   EXPECT_STREQ(buffer, "C:\\a|b");  // only the first "|" ends the id
   GetControlText(nullptr, 3010, buffer, sizeof buffer);
-  EXPECT_STREQ(buffer, "first");    // two rows of one id: the first
+  EXPECT_STREQ(buffer, "first");  // two rows of one id: the first
   GetControlText(nullptr, 3011, buffer, sizeof buffer);
   EXPECT_STREQ(buffer, "");
   // The rest of the buffer is zero-filled; a text of `size` bytes stays unterminated.

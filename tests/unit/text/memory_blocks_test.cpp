@@ -101,8 +101,8 @@ TEST_F(MemoryBlocks, FailedResizeAbandonsTheOldBlock) {
   p = AcquireBlock(&handle, p, 400, &granted);
   ASSERT_NE(p, nullptr);
   EXPECT_EQ(granted, 145u);
-  EXPECT_NE(handle, old);                         // a fresh block, not the old one resized
-  EXPECT_EQ(TestLiveBlockCount(), live + 1);      // the old one is lost, not freed
+  EXPECT_NE(handle, old);                     // a fresh block, not the old one resized
+  EXPECT_EQ(TestLiveBlockCount(), live + 1);  // the old one is lost, not freed
   ReleaseBlock(handle, p);
   ReleaseBlock(old, nullptr);
 }

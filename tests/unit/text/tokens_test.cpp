@@ -19,9 +19,8 @@ TEST(ByteClasses, Boundaries) {
   struct Row {
     unsigned char byte;
     int lead, trail;
-  } rows[] = {{0x3F, 0, 0}, {0x40, 0, 1}, {0x5C, 0, 1}, {0x7E, 0, 1}, {0x7F, 0, 0}, {0x80, 0, 1},
-              {0x81, 1, 1}, {0x9F, 1, 1}, {0xA0, 0, 1}, {0xDF, 0, 1}, {0xE0, 1, 1}, {0xFC, 1, 1},
-              {0xFD, 0, 0}, {0xFF, 0, 0}};
+  } rows[] = {{0x3F, 0, 0}, {0x40, 0, 1}, {0x5C, 0, 1}, {0x7E, 0, 1}, {0x7F, 0, 0}, {0x80, 0, 1}, {0x81, 1, 1},
+              {0x9F, 1, 1}, {0xA0, 0, 1}, {0xDF, 0, 1}, {0xE0, 1, 1}, {0xFC, 1, 1}, {0xFD, 0, 0}, {0xFF, 0, 0}};
   for (const Row &row : rows) {
     EXPECT_EQ(IsLeadByte(row.byte), row.lead) << std::hex << int(row.byte);
     EXPECT_EQ(IsTrailByte(row.byte), row.trail) << std::hex << int(row.byte);
@@ -34,13 +33,11 @@ TEST(FindCharacter, RespectsDoubleByteCharacters) {
     unsigned c;
     int first, last;  // offsets, -1 for null
   } rows[] = {
-      {"a\\b\\c", '\\', 1, 3},
-      {"表", '\\', -1, -1},            // the trail byte is no backslash
-      {"表\\x", '\\', 2, 2},
-      {"a表b", 0x955C, 1, 1},          // a double-byte character is found as one value
-      {"abc", 0, 3, 3},                // the terminator is found
-      {"ab\x95", 'a', 0, 0},           // lead byte before the terminator ends the walk
-      {"ab\x95", 'z', -1, 3},          // ... and gives the terminator's address to the last-search
+      {"a\\b\\c", '\\', 1, 3}, {"表", '\\', -1, -1},    // the trail byte is no backslash
+      {"表\\x", '\\', 2, 2},   {"a表b", 0x955C, 1, 1},  // a double-byte character is found as one value
+      {"abc", 0, 3, 3},                                 // the terminator is found
+      {"ab\x95", 'a', 0, 0},                            // lead byte before the terminator ends the walk
+      {"ab\x95", 'z', -1, 3},                           // ... and gives the terminator's address to the last-search
       {"", 'a', -1, -1},
   };
   for (const Row &row : rows) {
@@ -58,7 +55,7 @@ TEST(StripOuterQuotes, Cases) {
     const char *before, *after;
     int result;
   } rows[] = {
-      {"\"a b\"", "a b", 1}, {"a\"b", "ab", 1}, {"\"a\"b", "a", 1}, {"\"\"", "\"\"", 0}, {"\"", "\"", 0},
+      {"\"a b\"", "a b", 1}, {"a\"b", "ab", 1}, {"\"a\"b", "a", 1}, {"\"\"", "\"\"", 0},         {"\"", "\"", 0},
       {"abc", "abc", 0},     {"", "", 0},       {"x\"\"", "x", 1},  {"\"C:\\表\"", "C:\\表", 1},
   };
   for (const Row &row : rows) {
@@ -78,8 +75,8 @@ TEST(FirstToken, FindsTheBlankThatEndsTheFirstArgument) {
       {"a b c", 1},
       {"\"a b\" c", 5},
       {"a", -1},
-      {"x\"a b\" c", 6},      // a quote further on is skipped as a whole
-      {"表 \"a b\" c", 2},    // a double-byte character before the quote: the quote's blank is an ordinary one
+      {"x\"a b\" c", 6},    // a quote further on is skipped as a whole
+      {"表 \"a b\" c", 2},  // a double-byte character before the quote: the quote's blank is an ordinary one
       {"", -1},
   };
   for (const Row &row : rows) {
@@ -104,8 +101,8 @@ TEST(SplitFileName, Cases) {
     const char *path, *name, *pathAfter;
   } rows[] = {
       {"C:\\a\\b.lnk", "b.lnk", "C:\\a\\b.lnk"},
-      {"C:\\a\\", "", "C:\\a\\"},               // an empty name, not null
-      {"dir/sub/x", "x", "dir/sub\\x"},         // the last "/" becomes "\" when it is the last separator
+      {"C:\\a\\", "", "C:\\a\\"},        // an empty name, not null
+      {"dir/sub/x", "x", "dir/sub\\x"},  // the last "/" becomes "\" when it is the last separator
       {"a/b\\c", "c", "a/b\\c"},
       {"\\\\server", "server", "\\\\server"},
       {"\"C:\\p q\\r\"", "r", "C:\\p q\\r"},
