@@ -7,7 +7,7 @@
 #include "files/error_numbers.h"
 #include "machine/drive_inventory.h"
 #include "machine/network_paths.h"
-#include "machine/special_folders.h"
+#include "machine/known_folders.h"
 #include "reports/last_error.h"
 #include "text/memory_blocks.h"
 #include "text/myjctype.h"

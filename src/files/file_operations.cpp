@@ -12,7 +12,7 @@
 #include "files/program_files.h"
 #include "machine/drive_inventory.h"
 #include "machine/network_paths.h"
-#include "machine/special_folders.h"
+#include "machine/known_folders.h"
 #include "reports/error_reporter.h"
 #include "reports/last_error.h"
 #include "text/memory_blocks.h"

@@ -132,14 +132,14 @@ def _unescape(text):
 def write_shortcut(linux_path, **fields):
     """Writes a shortcut through the build's own shell link interface (ours on Linux, Wine's under Wine). Field
     texts are given as Windows paths and texts; keys: target, args, workdir, icon, index, desc, show, hotkey."""
-    spec = linux_path + ".fields"
+    fields_file = linux_path + ".fields"
     lines = ["file=" + drive_form(linux_path)] + ["%s=%s" % (k, _escape(str(v))) for k, v in fields.items()]
-    with open(spec, "wb") as out:
+    with open(fields_file, "wb") as out:
         out.write(("\n".join(lines) + "\n").encode("cp932"))
-    spec_argument = drive_form(spec) if under_wine() else spec
-    completed = subprocess.run(_tool_command(["write", spec_argument]), stdout=subprocess.PIPE,
+    fields_argument = drive_form(fields_file) if under_wine() else fields_file
+    completed = subprocess.run(_tool_command(["write", fields_argument]), stdout=subprocess.PIPE,
                                stderr=subprocess.PIPE, env=_tool_environment(), timeout=120)
-    os.remove(spec)
+    os.remove(fields_file)
     if not completed.stdout.rstrip().endswith(b"write=0"):
         raise AssertionError("could not write %s: %r %r" % (linux_path, completed.stdout, completed.stderr))
 

@@ -28,8 +28,8 @@ void Load() {
   DriveTable &table = Table();
   for (std::string &root : table.roots) root.clear();
   table.roots['Z' - 'A'] = "/";
-  const char *spec = std::getenv("KELMARO_DRIVES");
-  std::string text = spec ? spec : "";
+  const char *drives = std::getenv("KELMARO_DRIVES");
+  std::string text = drives ? drives : "";
   size_t start = 0;
   while (start <= text.size()) {
     size_t end = text.find(';', start);

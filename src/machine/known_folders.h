@@ -1,4 +1,4 @@
-// Special folders: the user's folders that Windows knows by name, and the virtual store that shadows protected ones.
+// Known folders: the user's folders that Windows knows by name, and the virtual store that shadows protected ones.
 #pragma once
 
 // The folder under the user's virtual store that shadows `path`. Result: 1 when an existing twin folder was written
