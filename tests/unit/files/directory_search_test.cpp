@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "reports/last_error.h"
-#include "support/scratch_tree.h"
+#include "support/scratch_folder.h"
 
 namespace {
 
@@ -52,9 +52,10 @@ TEST(RepairFoundName, QuestionMarksBecomeUnderscores) {
 }
 
 TEST(DirectorySearch, OneListingFromStartToEnd) {
-  ScratchTree tree;
-  tree.File("only.lnk");
-  std::string pattern = tree.ProgramPath() + "\\*.*";
+  ScratchFolder scratch;
+  scratch.MakeFile("a.lnk");
+  scratch.MakeFile("b.lnk");
+  std::string pattern = scratch.Path("*.*");
   FindHandle handle = {nullptr, nullptr};
   FindRecord record;
   std::vector<std::string> names;
@@ -63,8 +64,8 @@ TEST(DirectorySearch, OneListingFromStartToEnd) {
     names.push_back(record.cFileName);
     status = FindNextEntry(&handle, &record);
   }
-  // Nothing here filters "." and "..": a folder with one file gives three entries.
-  EXPECT_EQ(names, (std::vector<std::string>{".", "..", "only.lnk"}));
+  // Nothing here filters "." and "..".
+  EXPECT_EQ(names, (std::vector<std::string>{".", "..", "a.lnk", "b.lnk"}));
   EXPECT_EQ(status, 1);
   // The end of a listing leaves no trace of an error, and the handle is closed already.
   EXPECT_EQ(GetKeptLastError(), 0u);
@@ -72,26 +73,18 @@ TEST(DirectorySearch, OneListingFromStartToEnd) {
   EXPECT_EQ(handle.SearchHandle, nullptr);
   EXPECT_EQ(FindNextEntry(&handle, &record), 1);
   EXPECT_EQ(CloseFind(&handle), 0);
-  EXPECT_EQ(CloseFind(&handle), 0);
-}
-
-TEST(DirectorySearch, CloseAnOpenSearchOnce) {
-  ScratchTree tree;
-  tree.File("a.lnk");
-  tree.File("b.lnk");
-  std::string pattern = tree.ProgramPath() + "\\*.lnk";
-  FindHandle handle = {nullptr, nullptr};
-  FindRecord record;
+  // An open search is closed once.
+  pattern = scratch.Path("*.lnk");
   ASSERT_EQ(FindFirstEntry(&handle, &pattern[0], &record), 0);
   EXPECT_STREQ(record.cFileName, "a.lnk");
+  EXPECT_EQ(FoundEntrySize(&record), 0ull);
   EXPECT_EQ(CloseFind(&handle), 1);
   EXPECT_EQ(CloseFind(&handle), 0);
 }
 
 TEST(DirectorySearch, MissingPathsAndEmptyMatches) {
-  ScratchTree tree;
-  std::string noMatch = tree.ProgramPath() + "\\*.lnk";
-  std::string noFolder = tree.ProgramPath("gone") + "\\*.lnk";
+  ScratchFolder scratch;
+  std::string noMatch = scratch.Path("*.lnk"), noFolder = scratch.Path("gone\\*.lnk");
   FindHandle handle = {nullptr, nullptr};
   FindRecord record;
   EXPECT_EQ(FindFirstEntry(&handle, &noMatch[0], &record), 2);
@@ -103,16 +96,16 @@ TEST(DirectorySearch, MissingPathsAndEmptyMatches) {
 }
 
 TEST(DirectorySearch, ExactFindOfOnePath) {
-  ScratchTree tree;
-  tree.File("Mixed.Lnk");
-  std::string path = tree.ProgramPath("mixed.lnk");
+  ScratchFolder scratch;
+  scratch.MakeFile("Mixed.Lnk", "12345");
+  std::string path = scratch.Path("mixed.lnk"), missing = scratch.Path("nothing");
   FindRecord record;
   HANDLE handle = nullptr;
   ASSERT_EQ(FindFirstExact(&record, &path[0], &handle), 0);
   EXPECT_STREQ(record.cFileName, "Mixed.Lnk");  // the disk's spelling
+  EXPECT_EQ(FoundEntrySize(&record), 5ull);
   ASSERT_NE(handle, nullptr);
   FindClose(handle);
-  std::string missing = tree.ProgramPath("nothing");
   EXPECT_EQ(FindFirstExact(&record, &missing[0], &handle), 2);
   EXPECT_EQ(handle, nullptr);
   // A place of the network view is a folder by its own name, without a system call.
@@ -120,11 +113,7 @@ TEST(DirectorySearch, ExactFindOfOnePath) {
   ASSERT_EQ(FindFirstExact(&record, view, &handle), 0);
   EXPECT_STREQ(record.cFileName, "srv");
   EXPECT_EQ(record.dwFileAttributes, static_cast<DWORD>(FILE_ATTRIBUTE_DIRECTORY));
-}
-
-TEST(DirectorySearch, SizeAndTime) {
-  FindRecord record;
-  std::memset(&record, 0, sizeof record);
+  // The size joins the two halves.
   record.nFileSizeHigh = 1;
   record.nFileSizeLow = 2;
   EXPECT_EQ(FoundEntrySize(&record), 0x100000002ull);

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "file_test_support.h"
+#include "support/scratch_folder.h"
 
 namespace {
 
@@ -42,6 +42,9 @@ TEST(AllocationUnitFor, Thresholds) {
       {2, 0xFFFFFFFFFFull, 1, 512, 8},
       {3, 0, 1, 2048, 1},
       {3, 0xFFFFFFFFFFull, 1, 2048, 1},
+      {4, 0x40000000, -1, 7, 7},  // network and later kinds store nothing
+      {5, 0x40000000, -1, 7, 7},
+      {9, 0x40000000, -1, 7, 7},
   };
   for (const Row &row : rows) {
     DiskSpaceRecord record = {7, 7, 7, 7};
@@ -52,17 +55,8 @@ TEST(AllocationUnitFor, Thresholds) {
   }
 }
 
-TEST(AllocationUnitFor, NetworkAndLaterKindsStoreNothing) {
-  for (int kind : {4, 5, 9}) {
-    DiskSpaceRecord record = {7, 7, 7, 7};
-    EXPECT_EQ(AllocationUnitFor(kind, 0x40000000, &record), -1) << kind;
-    EXPECT_EQ(record.bytesPerSector, 7u);
-    EXPECT_EQ(record.sectorsPerCluster, 7u);
-  }
-}
-
-TEST(GetDiskSpace, LocalVolumeFillsBothRecords) {
-  FileScratch scratch;
+TEST(GetDiskSpace, LocalVolume) {
+  ScratchFolder scratch;
   PathBuffer path(scratch.Path());
   DiskSpaceRecord record = {1, 1, 1, 1};
   DiskSpaceRecordEx recordEx = {1, 1, 1};
@@ -73,12 +67,8 @@ TEST(GetDiskSpace, LocalVolumeFillsBothRecords) {
   EXPECT_GT(record.bytesPerSector, 0u);
   EXPECT_GT(record.sectorsPerCluster, 0u);
   EXPECT_GT(record.totalClusters, 0u);
-}
-
-TEST(GetDiskSpace, OneRecordGetsNoFiguresFromTheExtendedQuery) {
-  FileScratch scratch;
-  PathBuffer path(scratch.Path());
-  DiskSpaceRecord record = {1, 1, 1, 1};
+  // A caller who gives one record gets no figures from the extended query.
+  record = {1, 1, 1, 1};
   EXPECT_EQ(GetDiskSpace(path.bytes, &record, nullptr), 0);
   EXPECT_EQ(record.totalClusters, 0u);
   EXPECT_EQ(record.bytesPerSector, 0u);

@@ -7,7 +7,7 @@
 #include <cstring>
 #include <string>
 
-#include "file_test_support.h"
+#include "support/scratch_folder.h"
 
 #ifndef _WIN32
 #include "platform/posix/testing.h"
@@ -25,109 +25,83 @@ std::string Lower(std::string text) {
 }
 
 // A tree spelled in mixed case: <scratch>\Mixed Case\Inner Dir\Target File.Txt.
-struct MixedTree {
-  explicit MixedTree(const FileScratch &scratch) {
-    scratch.MakeFolder("Mixed Case");
-    scratch.MakeFolder("Mixed Case\\Inner Dir");
-    target = scratch.MakeFile("Mixed Case\\Inner Dir\\Target File.Txt", "x");
+class ExactNames : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    scratch_.MakeFolder("Mixed Case");
+    scratch_.MakeFolder("Mixed Case\\Inner Dir");
+    target_ = scratch_.MakeFile("Mixed Case\\Inner Dir\\Target File.Txt", "x");
   }
-  std::string target;
+  ScratchFolder scratch_;
+  std::string target_;
 };
 
-TEST(ExactNames, RootsAreUpperCasedOrKept) {
-  FileScratch scratch;
-  char drive = static_cast<char>(std::tolower(static_cast<unsigned char>(scratch.Path()[0])));
-  PathBuffer root(std::string(1, drive) + ":\\");
+TEST_F(ExactNames, RootsAreUpperCasedOrKept) {
+  char drive = static_cast<char>(std::tolower(static_cast<unsigned char>(scratch_.Path()[0])));
+  PathBuffer root(std::string(1, drive) + ":\\"), unc("\\\\");
   EXPECT_EQ(ResolveExactPath(root.bytes, kExactLongNames, 0), root.bytes);
   EXPECT_EQ(root.Text(), Upper(std::string(1, drive)) + ":\\");
-  PathBuffer unc("\\\\");
   EXPECT_EQ(ResolveExactPath(unc.bytes, kExactLongNames, 0), unc.bytes);
   EXPECT_EQ(unc.Text(), "\\\\");
 }
 
-TEST(ExactNames, EveryComponentInTheDisksSpellingInPlace) {
-  FileScratch scratch;
-  MixedTree tree(scratch);
-  // The scratch folder's own path is in its disk spelling already; the letters of everything are turned about.
-  std::string typed = Lower(tree.target.substr(0, 1)) + Upper(tree.target.substr(1));
-  PathBuffer path(typed);
+TEST_F(ExactNames, EveryComponentInTheDisksSpelling) {
+  // In place: the scratch folder's own path is in its disk spelling already; the letters of everything are turned.
+  PathBuffer path(Lower(target_.substr(0, 1)) + Upper(target_.substr(1)));
   EXPECT_EQ(ResolveExactPath(path.bytes, kExactLongNames, 0), path.bytes);
-  EXPECT_EQ(path.Text(), tree.target);
+  EXPECT_EQ(path.Text(), target_);
   EXPECT_EQ(ExactPathInProgress(), 0);
-
-  path.Set(Lower(tree.target));
+  path.Set(Lower(target_));
   EXPECT_EQ(MakeExactPath(path.bytes, kExactLongNames, 0), path.bytes);
-  EXPECT_EQ(path.Text(), tree.target);
-}
-
-TEST(ExactNames, PointerResultLeavesThePathAlone) {
-  FileScratch scratch;
-  MixedTree tree(scratch);
-  std::string typed = Upper(tree.target);
-  PathBuffer path(typed);
+  EXPECT_EQ(path.Text(), target_);
+  // As a pointer result, which leaves the path alone; MakeExactPath gives the caller's string back in any mode.
+  const std::string typed = Upper(target_);
+  path.Set(typed);
   char *result = ResolveExactPath(path.bytes, kExactLongNames | kExactNoFolding, 1);
   ASSERT_NE(result, nullptr);
   EXPECT_NE(result, path.bytes);
-  EXPECT_STREQ(result, tree.target.c_str());
+  EXPECT_STREQ(result, target_.c_str());
   EXPECT_EQ(path.Text(), typed);
-  // MakeExactPath gives the caller's string back, whatever the mode.
   EXPECT_EQ(MakeExactPath(path.bytes, kExactLongNames, 1), path.bytes);
   EXPECT_EQ(path.Text(), typed);
-}
-
-TEST(ExactNames, WithoutNameFlagsTheGivenSpellingStays) {
-  FileScratch scratch;
-  MixedTree tree(scratch);
-  std::string typed = tree.target.substr(0, scratch.Path().size()) + "\\mixed case\\INNER dir\\target file.txt";
-  PathBuffer path(typed);
-  ASSERT_NE(ResolveExactPath(path.bytes, 0, 0), nullptr);
-  EXPECT_EQ(path.Text(), Upper(typed.substr(0, 1)) + typed.substr(1)) << "only the drive letter changes";
-}
-
-TEST(ExactNames, BareNameFoundOnTheSearchPathStaysBare) {
-  FileScratch scratch;
-  scratch.MakeFile("KelmaroProbe.EXE", "MZ");
-  ASSERT_TRUE(SetCurrentDirectoryA(scratch.Path().c_str()));
-  PathBuffer name("kelmaroprobe.exe");
-  ASSERT_NE(ResolveExactPath(name.bytes, kExactLongNames, 0), nullptr);
-  EXPECT_EQ(name.Text(), "KelmaroProbe.EXE");
-}
-
-TEST(ExactNames, DoubledBackslashIsNotAskedAndTheWalkGoesOn) {
-  FileScratch scratch;
-  MixedTree tree(scratch);
-  for (const char *doubled : {"\\\\", "\\\\\\"}) {
-    PathBuffer path(scratch.Path() + "\\mixed case" + doubled + "inner dir\\TARGET FILE.TXT");
-    ASSERT_NE(ResolveExactPath(path.bytes, kExactLongNames, 0), nullptr);
-    EXPECT_EQ(path.Text(), tree.target) << doubled;
-  }
-}
-
-TEST(ExactNames, QuotesOfAPathThatExistsAreDropped) {
-  FileScratch scratch;
-  MixedTree tree(scratch);
-  PathBuffer quoted("\"" + Lower(tree.target) + "\"");
-  ASSERT_NE(ResolveExactPath(quoted.bytes, kExactLongNames, 0), nullptr);
-  EXPECT_EQ(quoted.Text(), tree.target);
-
-  std::string missing = "\"" + scratch.Path("no such file.txt") + "\"";
-  PathBuffer absent(missing);
-  EXPECT_EQ(ResolveExactPath(absent.bytes, kExactLongNames, 0), absent.bytes);
-  EXPECT_EQ(absent.Text(), missing) << "a path that is not there comes back as it was";
-}
-
-TEST(ExactNames, NestedCallGetsItsPathBackUnchanged) {
-  FileScratch scratch;
-  MixedTree tree(scratch);
-  std::string typed = Upper(tree.target);
-  PathBuffer path(typed);
+  // A nested call during a walk gets its path back unchanged.
   SetExactPathInProgress(1);
   EXPECT_EQ(ResolveExactPath(path.bytes, kExactLongNames, 1), path.bytes);
   EXPECT_EQ(path.Text(), typed);
   SetExactPathInProgress(0);
 }
 
-TEST(ExactNames, NullAndEmpty) {
+TEST_F(ExactNames, WithoutNameFlagsOnlyTheDriveLetterChanges) {
+  std::string typed = scratch_.Path("mixed case\\INNER dir\\target file.txt");
+  typed[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(typed[0])));
+  PathBuffer path(typed);
+  ASSERT_NE(ResolveExactPath(path.bytes, 0, 0), nullptr);
+  EXPECT_EQ(path.Text(), Upper(typed.substr(0, 1)) + typed.substr(1));
+}
+
+TEST_F(ExactNames, BareNamesDoubledBackslashesQuotesAndCapitals) {
+  scratch_.MakeFile("KelmaroProbe.EXE", "MZ");
+  scratch_.MakeFile("README.TXT");
+  ASSERT_TRUE(SetCurrentDirectoryA(scratch_.Path().c_str()));
+  struct Row {
+    const char *what;
+    std::string typed, resolved;
+  } rows[] = {
+      {"a bare name found on the search path stays bare", "kelmaroprobe.exe", "KelmaroProbe.EXE"},
+      {"a doubled backslash is not asked about", scratch_.Path("mixed case\\\\inner dir\\TARGET FILE.TXT"), target_},
+      {"nor a tripled one", scratch_.Path("mixed case\\\\\\inner dir\\TARGET FILE.TXT"), target_},
+      {"the quotes of a path that exists go", "\"" + Lower(target_) + "\"", target_},
+      {"a name all in capitals reads tidily", scratch_.Path("readme.txt"), scratch_.Path("Readme.txt")},
+  };
+  for (const Row &row : rows) {
+    PathBuffer path(row.typed);
+    ASSERT_NE(ResolveExactPath(path.bytes, kExactLongNames, 0), nullptr) << row.what;
+    EXPECT_EQ(path.Text(), row.resolved) << row.what;
+  }
+  std::string missing = "\"" + scratch_.Path("no such file.txt") + "\"";
+  PathBuffer absent(missing);
+  EXPECT_EQ(ResolveExactPath(absent.bytes, kExactLongNames, 0), absent.bytes);
+  EXPECT_EQ(absent.Text(), missing) << "a path that is not there comes back as it was";
   EXPECT_EQ(ResolveExactPath(nullptr, kExactLongNames, 0), nullptr);
   char empty[520] = "";
   EXPECT_EQ(ResolveExactPath(empty, kExactLongNames, 0), nullptr);
@@ -135,28 +109,18 @@ TEST(ExactNames, NullAndEmpty) {
   EXPECT_EQ(MakeExactPath(empty, kExactLongNames, 0), empty);
 }
 
-TEST(ExactNames, AllCapitalShortNameReadsTidily) {
-  FileScratch scratch;
-  scratch.MakeFile("README.TXT");
-  PathBuffer path(scratch.Path("readme.txt"));
-  ASSERT_NE(ResolveExactPath(path.bytes, kExactLongNames, 0), nullptr);
-  EXPECT_EQ(path.Text(), scratch.Path("Readme.txt"));
-}
-
-TEST(ExactNames, ShortNamesAndALongNameWithoutOne) {
-  FileScratch scratch;
-  std::string file = scratch.MakeFile("a name far too long.text");
-  WIN32_FIND_DATAA entry;
-  HANDLE search = FindFirstFileA(file.c_str(), &entry);
-  ASSERT_NE(search, INVALID_HANDLE_VALUE);
-  FindClose(search);
+TEST_F(ExactNames, ShortNamesAndALongNameWithoutOne) {
+  std::string file = scratch_.MakeFile("a name far too long.text");
+  FirstFound entry = FindFirst(file);
+  ASSERT_TRUE(entry.found);
   PathBuffer path(file);
   char *result = ResolveExactPath(path.bytes, kExactShortNames, 1);
-  if (entry.cAlternateFileName[0] != 0) {
+  std::string shortName = entry.data.cAlternateFileName;
+  if (!shortName.empty()) {
     // A file system that keeps a short name for every long one (Windows, Wine): the path in short names.
     ASSERT_NE(result, nullptr);
     std::string text = result;
-    EXPECT_EQ(text.substr(text.size() - std::strlen(entry.cAlternateFileName)), entry.cAlternateFileName) << text;
+    EXPECT_EQ(text.substr(text.size() - shortName.size()), shortName) << text;
     return;
   }
   EXPECT_EQ(result, nullptr);
@@ -165,46 +129,26 @@ TEST(ExactNames, ShortNamesAndALongNameWithoutOne) {
   EXPECT_EQ(ExactPathInProgress(), 0);
 }
 
-// Makes every find in `folder` refuse access, where the platform lets a test do that.
-bool RefuseListing(const std::string &folder) {
+TEST_F(ExactNames, RefusedComponentStopsTheWalk) {
 #ifdef _WIN32
-  (void)folder;
-  return false;  // Wine keeps no folder from its owner, and neither can a test on Windows without rights
+  GTEST_SKIP() << "Wine keeps no folder from its owner, and neither can a test on Windows without rights";
 #else
-  return TestFailListing(folder.c_str(), ERROR_ACCESS_DENIED);
-#endif
-}
-
-void EndRefusals() {
-#ifndef _WIN32
-  TestClearFaults();
-#endif
-}
-
-TEST(ExactNames, RefusedComponentStopsTheWalk) {
-  FileScratch scratch;
-  MixedTree tree(scratch);
-  const std::string typed = scratch.Path("MIXED CASE\\INNER DIR\\TARGET FILE.TXT");
-  PathBuffer path(typed);
-  if (!RefuseListing(scratch.Path("Mixed Case"))) GTEST_SKIP() << "no way here to make a folder refuse its listing";
-  char *folded = ResolveExactPath(path.bytes, kExactLongNames, 0);
+  const std::string typed = scratch_.Path("MIXED CASE\\INNER DIR\\TARGET FILE.TXT");
+  ASSERT_TRUE(TestFailListing(scratch_.Path("Mixed Case").c_str(), ERROR_ACCESS_DENIED));
   // "Inner Dir" cannot be asked for: it goes in folded (or as typed) and what lies behind it is dropped.
-  EXPECT_NE(folded, nullptr);
-  EXPECT_EQ(path.Text(), scratch.Path("Mixed Case\\Inner dir"));
-
+  PathBuffer path(typed);
+  EXPECT_NE(ResolveExactPath(path.bytes, kExactLongNames, 0), nullptr);
+  EXPECT_EQ(path.Text(), scratch_.Path("Mixed Case\\Inner dir"));
   path.Set(typed);
-  char *kept = ResolveExactPath(path.bytes, kExactLongNames | kExactNoFolding, 0);
-  EndRefusals();
-  EXPECT_NE(kept, nullptr);
-  EXPECT_EQ(path.Text(), scratch.Path("Mixed Case\\INNER DIR"));
+  EXPECT_NE(ResolveExactPath(path.bytes, kExactLongNames | kExactNoFolding, 0), nullptr);
+  TestClearFaults();
+  EXPECT_EQ(path.Text(), scratch_.Path("Mixed Case\\INNER DIR"));
+#endif
 }
 
 TEST(FillShortName, Rows) {
   struct Row {
-    const char *longName;
-    const char *shortName;
-    const char *longAfter;
-    const char *shortAfter;
+    const char *longName, *shortName, *longAfter, *shortAfter;
   } rows[] = {
       {"notepad.exe", "", "notepad.exe", "NOTEPAD.EXE"},
       {"README.TXT", "", "Readme.txt", "README.TXT"},  // all capitals: folded to read tidily
@@ -215,8 +159,7 @@ TEST(FillShortName, Rows) {
       {"\x95\x5C.TXT", "", "\x95\x5C.TXT", "\x95\x5C.TXT"},        // a double-byte name is not folded
   };
   for (const Row &row : rows) {
-    char longName[260];
-    char shortName[14];
+    char longName[260], shortName[14];
     std::strcpy(longName, row.longName);
     std::strcpy(shortName, row.shortName);
     FillShortName(longName, shortName);

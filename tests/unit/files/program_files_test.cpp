@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "../platform/executable_images.h"
-#include "file_test_support.h"
+#include "support/executable_images.h"
+#include "support/scratch_folder.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ TEST(IsProgramFileName, Extensions) {
 }
 
 TEST(ExecutableKind, MadeUpImages) {
-  FileScratch scratch;
+  ScratchFolder scratch;
   const bool wine = RunningUnderWine();
   struct Row {
     const char *name;
@@ -55,7 +55,7 @@ TEST(ExecutableKind, MadeUpImages) {
 }
 
 TEST(IsWindowsProgram, OnlyFilesAreAsked) {
-  FileScratch scratch;
+  ScratchFolder scratch;
   PathBuffer folder(scratch.MakeFolder("folder.exe"));
   EXPECT_EQ(IsWindowsProgram(folder.bytes), -3);
   PathBuffer missing(scratch.Path("missing.exe"));

@@ -5,8 +5,8 @@
 
 #include <string>
 
-#include "file_test_support.h"
 #include "reports/last_error.h"
+#include "support/scratch_folder.h"
 
 namespace {
 
@@ -24,25 +24,22 @@ bool SameFolder(std::string a, std::string b) {
   return lstrcmpiA(a.c_str(), b.c_str()) == 0;
 }
 
-std::string WithLowerDrive(std::string path) {
-  path[0] = static_cast<char>(path[0] | 0x20);
-  return path;
-}
+int DriveNumber(const std::string &path) { return (path[0] & ~0x20) - 'A' + 1; }
 
 TEST(ChangeToFolder, Results) {
-  FileScratch scratch;
+  ScratchFolder scratch;
   std::string folder = scratch.MakeFolder("Enter Me");
-  std::string file = scratch.MakeFile("not a folder.txt");
-  const int drive = (folder[0] & ~0x20) - 'A' + 1;
+  std::string lowerDrive = folder;
+  lowerDrive[0] = static_cast<char>(lowerDrive[0] | 0x20);
   struct Row {
     std::string path;
     int allowNetwork;
     int result;
   } rows[] = {
-      {WithLowerDrive(folder), 0, drive},  // the drive number comes from the upper-cased letter
+      {lowerDrive, 0, DriveNumber(folder)},  // the drive number comes from the upper-cased letter
       {scratch.Path("no such folder"), 0, -2},
-      {file, 0, -1},        // there, but not a folder that can be entered
-      {"Enter Me", 0, -1},  // no drive
+      {scratch.MakeFile("not a folder.txt"), 0, -1},  // there, but not a folder that can be entered
+      {"Enter Me", 0, -1},                            // no drive
       {"\\\\server\\share\\folder", 0, '\\'},
       {"\\:\\group\\server", 1, '\\'},  // a place of the view has nothing to enter
   };
@@ -54,74 +51,56 @@ TEST(ChangeToFolder, Results) {
   }
   ASSERT_TRUE(SetCurrentDirectoryA(scratch.Path().c_str()));
   PathBuffer path(folder);
-  ASSERT_EQ(ChangeToFolder(path.bytes, 0), drive);
+  ASSERT_EQ(ChangeToFolder(path.bytes, 0), DriveNumber(folder));
   EXPECT_EQ(lstrcmpiA(CurrentFolder().c_str(), folder.c_str()), 0) << CurrentFolder();
-}
-
-TEST(ChangeToFolder, MissingFolderKeepsTheErrorOfTheChange) {
-  FileScratch scratch;
-  PathBuffer missing(scratch.Path("gone\\deeper"));
-  EXPECT_EQ(ChangeToFolder(missing.bytes, 0), -2);
+  // A missing folder keeps the error of the failed change.
+  path.Set(scratch.Path("gone\\deeper"));
+  EXPECT_EQ(ChangeToFolder(path.bytes, 0), -2);
   EXPECT_NE(GetKeptLastError(), 0u);
   EXPECT_EQ(GetRunTimeError(), 2);
 }
 
 TEST(WorkingFolder, SetAndRead) {
-  FileScratch scratch;
+  ScratchFolder scratch;
   std::string folder = scratch.MakeFolder("here");
-  PathBuffer path(folder);
+  PathBuffer path(folder), missing(scratch.Path("missing")), network("\\\\server\\share");
   EXPECT_EQ(SetWorkingFolder(path.bytes, 0), 0);
   char buffer[520];
   ASSERT_EQ(GetWorkingFolder(buffer, sizeof buffer), buffer);
   EXPECT_EQ(lstrcmpiA(buffer, folder.c_str()), 0) << buffer;
   EXPECT_EQ(GetWorkingFolder(buffer, 3), nullptr) << "does not fit";
-  PathBuffer missing(scratch.Path("missing"));
   EXPECT_EQ(SetWorkingFolder(missing.bytes, 0), 1);
   EXPECT_EQ(GetRunTimeError(), 2);
-  PathBuffer network("\\\\server\\share");
   EXPECT_EQ(SetWorkingFolder(network.bytes, 0), 0) << "a network path is not entered, and that is no failure";
   EXPECT_EQ(SetWorkingFolder(nullptr, 0), 1);
 }
 
-TEST(DriveFolder, CurrentFolderOfTheCurrentDrive) {
-  FileScratch scratch;
+TEST(DriveFolder, CurrentFolderOfADrive) {
+  ScratchFolder scratch;
   std::string folder = scratch.MakeFolder("inner");
   ASSERT_TRUE(SetCurrentDirectoryA(folder.c_str()));
-  const int drive = (folder[0] & ~0x20) - 'A' + 1;
   char buffer[520];
-  ASSERT_EQ(GetDriveFolder(drive, buffer, sizeof buffer), buffer);
+  ASSERT_EQ(GetDriveFolder(DriveNumber(folder), buffer, sizeof buffer), buffer);
   EXPECT_TRUE(SameFolder(buffer, folder)) << buffer;
-
-  char named[520] = "x";
-  named[0] = static_cast<char>(folder[0] | 0x20);
+  char named[520] = {static_cast<char>(folder[0] | 0x20), 0};
   SetRunTimeError(22);
   EXPECT_EQ(GetDriveFolderOf(named, sizeof named), 0);
   EXPECT_EQ(GetRunTimeError(), 0);
   EXPECT_TRUE(SameFolder(named, folder)) << named;
-}
-
-TEST(DriveFolder, NetworkKeepsTheHead) {
-  char view[520] = "\\:\\group\\server";
+  char view[520] = "\\:\\group\\server";  // the network keeps its head
   EXPECT_EQ(GetDriveFolderOf(view, sizeof view), 0);
   EXPECT_STREQ(view, "\\:\\");
-}
-
-TEST(CompleteDrivePath, BareDriveNameGetsItsFolder) {
-  FileScratch scratch;
-  ASSERT_TRUE(SetCurrentDirectoryA(scratch.Path().c_str()));
-  char text[520] = {static_cast<char>(scratch.Path()[0]), ':', 0};
-  char *path = text;
-  EXPECT_EQ(CompleteDrivePath(&path), 0);
-  EXPECT_TRUE(SameFolder(text, scratch.Path())) << text;
-
-  char full[520] = "c:\\some\\path";
-  path = full;
-  EXPECT_EQ(CompleteDrivePath(&path), 0);
-  EXPECT_STREQ(full, "c:\\some\\path") << "a path with a backslash needs nothing";
+  // A bare drive name gets its folder; a path with a backslash needs nothing.
+  char text[520] = {folder[0], ':', 0}, full[520] = "c:\\some\\path";
+  char *bare = text, *complete = full;
+  EXPECT_EQ(CompleteDrivePath(&bare), 0);
+  EXPECT_TRUE(SameFolder(text, folder)) << text;
+  EXPECT_EQ(CompleteDrivePath(&complete), 0);
+  EXPECT_STREQ(full, "c:\\some\\path");
 }
 
 TEST(ChangeToDriveLetter, Results) {
-  FileScratch scratch;
+  ScratchFolder scratch;
   ASSERT_TRUE(SetCurrentDirectoryA(scratch.Path().c_str()));
   EXPECT_EQ(ChangeToDriveLetter('\\'), 1);
   EXPECT_EQ(ChangeToDriveLetter(scratch.Path()[0]), 1);

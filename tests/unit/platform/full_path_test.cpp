@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/winapi.h"
-#include "scratch_folder.h"
+#include "support/scratch_folder.h"
 
 namespace {
 
@@ -16,15 +16,13 @@ std::string CurrentDirectory() {
   return std::string(buffer, length < sizeof buffer ? length : 0);
 }
 
-// Each test starts in its own scratch folder and goes back to where it was.
+// Each test starts in its own scratch folder (which puts the current folder back at the end).
 class FullPath : public ::testing::Test {
  protected:
   void SetUp() override {
-    before_ = CurrentDirectory();
     ASSERT_TRUE(SetCurrentDirectoryA(folder_.Path().c_str())) << GetLastError();
     drive_ = folder_.Path().substr(0, 2);
   }
-  void TearDown() override { SetCurrentDirectoryA(before_.c_str()); }
 
   std::string Full(const std::string &path, std::string *filePart = nullptr) {
     char buffer[MAX_PATH * 2];
@@ -37,7 +35,6 @@ class FullPath : public ::testing::Test {
   }
 
   ScratchFolder folder_;
-  std::string before_;
   std::string drive_;  // "C:" or "Z:"
 };
 
@@ -48,6 +45,11 @@ TEST_F(FullPath, SettingTheCurrentFolderKeepsTheCallersSpelling) {
   EXPECT_EQ(CurrentDirectory(), folder_ / "sub");  // not "Sub": the text given, made full
   ASSERT_TRUE(SetCurrentDirectoryA(".."));
   EXPECT_EQ(CurrentDirectory(), folder_.Path());
+  // A buffer too small is left alone, and the size it needs is the answer.
+  char small[4] = {'G', 'G', 'G', 'G'};
+  EXPECT_EQ(GetCurrentDirectoryA(sizeof small, small), folder_.Path().size() + 1);
+  EXPECT_EQ(small[0], 'G');
+  EXPECT_EQ(GetCurrentDirectoryA(0, nullptr), folder_.Path().size() + 1);
 }
 
 TEST_F(FullPath, SettingTheCurrentFolderFailsForWhatIsNoFolder) {
@@ -67,14 +69,6 @@ TEST_F(FullPath, SettingTheCurrentFolderFailsForWhatIsNoFolder) {
     EXPECT_EQ(GetLastError(), row.error) << row.path;
   }
   EXPECT_EQ(CurrentDirectory(), folder_.Path());
-}
-
-TEST_F(FullPath, GetCurrentDirectoryTellsTheSizeItNeeds) {
-  std::string current = CurrentDirectory();
-  char small[4] = {'G', 'G', 'G', 'G'};
-  EXPECT_EQ(GetCurrentDirectoryA(sizeof small, small), current.size() + 1);
-  EXPECT_EQ(small[0], 'G');
-  EXPECT_EQ(GetCurrentDirectoryA(0, nullptr), current.size() + 1);
 }
 
 struct FullRow {
@@ -120,12 +114,8 @@ TEST_F(FullPath, PathsAreMadeFullInTheTextAlone) {
       EXPECT_EQ(part, row.filePart) << given;
     }
   }
-}
-
-TEST_F(FullPath, GetFullPathNameTellsTheSizeItNeeds) {
-  std::string full = Full("name.lnk");
-  char small[5] = {'G', 'G', 'G', 'G', 'G'};
-  EXPECT_EQ(GetFullPathNameA("name.lnk", sizeof small, small, nullptr), full.size() + 1);
+  char small[5] = {'G', 'G', 'G', 'G', 'G'};  // too small: left alone, and the size it needs is the answer
+  EXPECT_EQ(GetFullPathNameA("name.lnk", sizeof small, small, nullptr), (folder_ / "name.lnk").size() + 1);
   EXPECT_EQ(small[0], 'G');
 }
 

@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "executable_images.h"
 #include "platform/winapi.h"
-#include "scratch_folder.h"
+#include "support/executable_images.h"
+#include "support/scratch_folder.h"
 
 namespace {
 

@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-#include "../platform/scratch_folder.h"
+#include "support/scratch_folder.h"
 #include "platform/posix/testing.h"
 #include "platform/winapi.h"
 

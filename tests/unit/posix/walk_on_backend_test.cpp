@@ -6,7 +6,7 @@
 
 #include "platform/posix/testing.h"
 #include "platform/testing.h"
-#include "support/scratch_tree.h"
+#include "support/scratch_folder.h"
 #include "walker/walk_context.h"
 
 namespace {
@@ -22,25 +22,24 @@ std::string WalkWithFolders(const std::string &folder, unsigned *count) {
 }
 
 TEST(WalkOnBackend, AFolderThatRefusesItsListingIsPrintedAndPassedOver) {
-  ScratchTree tree;
-  tree.File("a/x.lnk");
-  tree.File("b/inner/y.lnk");
-  tree.File("c/z.lnk");
-  ASSERT_TRUE(TestFailListing(tree.ProgramPath("b").c_str(), ERROR_ACCESS_DENIED));
+  ScratchFolder tree;
+  for (const char *folder : {"a", "b", "b\\inner", "c"}) tree.MakeFolder(folder);
+  for (const char *file : {"a\\x.lnk", "b\\inner\\y.lnk", "c\\z.lnk"}) tree.MakeFile(file);
+  ASSERT_TRUE(TestFailListing(tree.Path("b").c_str(), ERROR_ACCESS_DENIED));
   unsigned count = 0;
-  std::string output = WalkWithFolders(tree.ProgramPath(), &count);
+  std::string output = WalkWithFolders(tree.Path(), &count);
   TestClearFaults();
   // Its line under p, nothing below it, and the walk goes on with the next sibling.
-  EXPECT_EQ(output, "\n " + tree.ProgramPath() + "\n " + tree.ProgramPath("a") + "\n " + tree.ProgramPath("b") + "\n " +
-                        tree.ProgramPath("c"));
+  EXPECT_EQ(output, "\n " + tree.Path() + "\n " + tree.Path("a") + "\n " + tree.Path("b") + "\n " + tree.Path("c"));
   EXPECT_EQ(count, 2u);
 }
 
 TEST(WalkOnBackend, ADriveRootKeepsItsBackslash) {
-  ScratchTree tree;
-  tree.File("top.lnk");
-  tree.File("sub/deep.lnk");
-  TestSetDrives(("Q=" + tree.Root().string()).c_str());
+  ScratchFolder tree;
+  tree.MakeFolder("sub");
+  tree.MakeFile("top.lnk");
+  tree.MakeFile("sub\\deep.lnk");
+  TestSetDrives(("Q=" + tree.LinuxPath()).c_str());
   unsigned count = 0;
   std::string output = WalkWithFolders("Q:\\", &count);
   TestSetDrives(nullptr);

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/testing.h"
-#include "support/scratch_tree.h"
+#include "support/scratch_folder.h"
 #include "walker/walk_context.h"
 
 namespace {
@@ -28,60 +28,52 @@ WalkRun Walk(const std::string &folder, const char *mask = "*.lnk", bool prepare
   return run;
 }
 
-std::string Lines(const ScratchTree &tree, const std::vector<std::string> &folders) {
+std::string Lines(const ScratchFolder &tree, const std::vector<std::string> &folders) {
   std::string text;
-  for (const std::string &folder : folders) text += "\n " + tree.ProgramPath(folder);
+  for (const std::string &folder : folders) text += "\n " + tree.Path(folder);
   return text;
 }
 
 TEST(Walk, FoldersInOrderAndShortcutsCounted) {
-  ScratchTree tree;
-  tree.File("a.lnk");
-  tree.File("notes.txt");
-  tree.File("sub/b.lnk");
-  tree.File("x.lnk/c.lnk");  // a folder named like a shortcut: passed over by the mask pass, entered later
-  tree.Folder("empty");
-  tree.File("Zeta/deeper/d.LNK");
-  WalkRun run = Walk(tree.ProgramPath());
+  ScratchFolder tree;
+  for (const char *folder : {"sub", "x.lnk", "empty", "Zeta", "Zeta\\deeper"}) tree.MakeFolder(folder);
+  // A folder named like a shortcut (x.lnk) is passed over by the mask pass and entered later.
+  for (const char *file : {"a.lnk", "notes.txt", "sub\\b.lnk", "x.lnk\\c.lnk", "Zeta\\deeper\\d.LNK"})
+    tree.MakeFile(file);
+  WalkRun run = Walk(tree.Path());
   // Names are listed without regard to case, and every folder is printed, also an empty one.
-  EXPECT_EQ(run.output, Lines(tree, {"", "empty", "sub", "x.lnk", "Zeta", "Zeta/deeper"}));
+  EXPECT_EQ(run.output, Lines(tree, {"", "empty", "sub", "x.lnk", "Zeta", "Zeta\\deeper"}));
   EXPECT_EQ(run.count, 4u);  // a.lnk, b.lnk, c.lnk, d.LNK
   EXPECT_EQ(run.result, 4);  // a normal end gives the entries acted on
   EXPECT_EQ(WalkEntriesChanged(), 0u);
 }
 
 TEST(Walk, DisplayOptionsLastOneWalk) {
-  ScratchTree tree;
-  tree.File("a.lnk");
-  EXPECT_NE(Walk(tree.ProgramPath()).output, "");
+  ScratchFolder tree;
+  tree.MakeFile("a.lnk");
+  EXPECT_NE(Walk(tree.Path()).output, "");
+  EXPECT_EQ(TestOutcome(0, 0), 0);  // nothing merged into the outcome of a plain walk
   PrepareWalk(nullptr, 3034, 3032, 0, 0, nullptr, nullptr, 0);
   TestConsoleBegin("");
-  ScanFolderTree(nullptr, nullptr, 0x48, nullptr, tree.ProgramPath().c_str(), "*.lnk", nullptr);
+  ScanFolderTree(nullptr, nullptr, 0x48, nullptr, tree.Path().c_str(), "*.lnk", nullptr);
   TestConsoleEnd();
   // A second walk without a new PrepareWalk prints nothing, and counts its own entries alone.
-  WalkRun second = Walk(tree.ProgramPath(), "*.lnk", false);
+  WalkRun second = Walk(tree.Path(), "*.lnk", false);
   EXPECT_EQ(second.output, "");
   EXPECT_EQ(second.count, 1u);
 }
 
 TEST(Walk, EmptyMaskAndMissingFolder) {
-  ScratchTree tree;
-  tree.File("a.lnk");
-  WalkRun empty = Walk(tree.ProgramPath(), "");
+  ScratchFolder tree;
+  tree.MakeFile("a.lnk");
+  WalkRun empty = Walk(tree.Path(), "");
   EXPECT_EQ(empty.result, 0);
   EXPECT_EQ(empty.count, 0u);
   EXPECT_EQ(empty.output, "");
   // A folder that is not there is printed under p and ends both passes silently.
-  WalkRun missing = Walk(tree.ProgramPath("gone"));
-  EXPECT_EQ(missing.output, "\n " + tree.ProgramPath("gone"));
+  WalkRun missing = Walk(tree.Path("gone"));
+  EXPECT_EQ(missing.output, "\n " + tree.Path("gone"));
   EXPECT_EQ(missing.count, 0u);
-}
-
-TEST(Walk, APlainWalkMergesNoOutcome) {
-  ScratchTree tree;
-  tree.File("a.lnk");
-  Walk(tree.ProgramPath());
-  EXPECT_EQ(TestOutcome(0, 0), 0);  // nothing merged into the outcome of a plain walk
 }
 
 TEST(WalkCodes, AddAndTestOutcome) {

@@ -1,5 +1,5 @@
-// The scratch folder of the file-system tests that run on both platforms.
-#include "scratch_folder.h"
+// The scratch folder of the tests that work on real files.
+#include "support/scratch_folder.h"
 
 #include <gtest/gtest.h>
 
@@ -62,9 +62,7 @@ int RemoveEntry(const char *path, const struct stat *, int, struct FTW *) {
   return 0;
 }
 
-void RemoveTree(const std::string &folder) {
-  std::string linux;
-  if (!DrivePathToLinuxPath(folder, &linux)) return;
+void RemoveTree(const std::string &linux) {
   nftw(linux.c_str(), OpenUp, 16, FTW_PHYS);
   nftw(linux.c_str(), RemoveEntry, 16, FTW_DEPTH | FTW_PHYS);
 }
@@ -75,6 +73,7 @@ void RemoveTree(const std::string &folder) {
 ScratchFolder::ScratchFolder() { Create(); }
 
 void ScratchFolder::Create() {
+  GetCurrentDirectoryA(MAX_PATH, saved_);
   std::string base;
   unsigned long process;
 #ifdef _WIN32
@@ -93,27 +92,39 @@ void ScratchFolder::Create() {
 #endif
   // Wine gives every run the same process id, so the time of day keeps runs apart.
   unsigned long stamp = static_cast<unsigned long>(std::time(nullptr) % 1000000);
-  path_ = base + "\\kelmaro-" + std::to_string(process) + "-" + std::to_string(stamp) + "-" + std::to_string(++counter);
+  std::string name =
+      "kelmaro-" + std::to_string(process) + "-" + std::to_string(stamp) + "-" + std::to_string(++counter);
+  path_ = base + "\\" + name;
   ASSERT_TRUE(CreateDirectoryA(path_.c_str(), nullptr)) << path_ << " error " << GetLastError();
+#ifndef _WIN32
+  linux_ = linux + "/" + name;
+#endif
 }
 
 ScratchFolder::~ScratchFolder() {
+  SetCurrentDirectoryA(saved_);
+#ifdef _WIN32
   if (!path_.empty()) RemoveTree(path_);
+#else
+  if (!linux_.empty()) RemoveTree(linux_);
+#endif
 }
 
-void ScratchFolder::MakeFile(const std::string &name, const std::string &contents) const {
-  std::string path = *this / name;
+std::string ScratchFolder::MakeFile(const std::string &name, const std::string &contents) const {
+  std::string path = Path(name);
   HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_NORMAL, nullptr);
-  ASSERT_NE(file, INVALID_HANDLE_VALUE) << path << " error " << GetLastError();
+  EXPECT_NE(file, INVALID_HANDLE_VALUE) << path << " error " << GetLastError();
   DWORD written = 0;
   EXPECT_TRUE(WriteFile(file, contents.data(), static_cast<DWORD>(contents.size()), &written, nullptr));
   EXPECT_EQ(written, contents.size());
   EXPECT_TRUE(CloseHandle(file));
+  return path;
 }
 
-void ScratchFolder::MakeFolder(const std::string &name) const {
-  std::string path = *this / name;
-  ASSERT_TRUE(CreateDirectoryA(path.c_str(), nullptr)) << path << " error " << GetLastError();
+std::string ScratchFolder::MakeFolder(const std::string &name) const {
+  std::string path = Path(name);
+  EXPECT_TRUE(CreateDirectoryA(path.c_str(), nullptr)) << path << " error " << GetLastError();
+  return path;
 }
 
 void ScratchFolder::MakeFileNamedInUtf8(const std::string &utf8Name) const {
@@ -124,9 +135,7 @@ void ScratchFolder::MakeFileNamedInUtf8(const std::string &utf8Name) const {
   std::wstring path = std::wstring(folder) + L"\\" + name;
   FILE *file = _wfopen(path.c_str(), L"wb");
 #else
-  std::string linux;
-  ASSERT_TRUE(DrivePathToLinuxPath(path_, &linux));
-  FILE *file = std::fopen((linux + "/" + utf8Name).c_str(), "wb");
+  FILE *file = std::fopen((linux_ + "/" + utf8Name).c_str(), "wb");
 #endif
   ASSERT_NE(file, nullptr) << utf8Name;
   std::fclose(file);
@@ -152,16 +161,6 @@ FirstFound FindFirst(const std::string &pattern) {
   result.found = search != INVALID_HANDLE_VALUE;
   if (result.found) FindClose(search);
   return result;
-}
-
-std::string Hex(const std::string &text) {
-  std::string out;
-  char byte[4];
-  for (unsigned char c : text) {
-    std::snprintf(byte, sizeof byte, "%02X ", c);
-    out += byte;
-  }
-  return out;
 }
 
 bool WineRunsAsRoot() {

@@ -1,6 +1,6 @@
-// A fresh folder for the file-system tests that run on both platforms, made through the Windows operations themselves
-// so that the same test checks the Linux backend on the host build and the real calls under Wine in the win64 build;
-// and the small helpers that those tests share.
+// A fresh folder for the tests that work on real files, made through the Windows operations themselves so that the
+// same test checks the Linux backend on the host build and the real calls under Wine in the win64 build; and the small
+// helpers that those tests share.
 #pragma once
 
 #include <string>
@@ -9,7 +9,8 @@
 #include "platform/winapi.h"
 
 // A new empty folder in the temporary folder, given in drive form ("Z:\tmp\kelmaro-1234-1" on Linux, Windows' own
-// temporary folder under Wine). Everything in it is deleted at the end of the test.
+// temporary folder under Wine). At the end the current folder is put back as it was (tests may enter the scratch
+// folder), then everything in the folder is deleted.
 class ScratchFolder {
  public:
   ScratchFolder();
@@ -17,22 +18,27 @@ class ScratchFolder {
   ScratchFolder(const ScratchFolder &) = delete;
   ScratchFolder &operator=(const ScratchFolder &) = delete;
 
-  // The folder, without a trailing backslash.
-  const std::string &Path() const { return path_; }
-  // The folder joined with a relative name ("a\b").
+  // The folder, or a path below it ("a\b"), without a trailing backslash.
+  std::string Path(const std::string &relative = "") const { return relative.empty() ? path_ : *this / relative; }
+  // The folder joined with a name, also an empty one ("C:\x\").
   std::string operator/(const std::string &name) const { return path_ + "\\" + name; }
+#ifndef _WIN32
+  // The folder as Linux names it.
+  const std::string &LinuxPath() const { return linux_; }
+#endif
 
-  // Makes a file (CreateFileA, WriteFile) or a folder (CreateDirectoryA) by a relative name; fails the test if it
-  // cannot.
-  void MakeFile(const std::string &name, const std::string &contents = "") const;
-  void MakeFolder(const std::string &name) const;
+  // Makes a file (CreateFileA, WriteFile) or a folder (CreateDirectoryA) by a relative name and gives its path; fails
+  // the test if it cannot.
+  std::string MakeFile(const std::string &name, const std::string &contents = "") const;
+  std::string MakeFolder(const std::string &name) const;
   // Makes an empty file whose name is given in UTF-8, for names that Shift-JIS cannot hold: with the C library on
   // Linux and with the wide-character calls on Windows.
   void MakeFileNamedInUtf8(const std::string &utf8Name) const;
 
  private:
   void Create();
-  std::string path_;
+  std::string path_, linux_;
+  char saved_[MAX_PATH] = "";
 };
 
 // The names that FindFirstFileA and FindNextFileA give for a pattern, in their order; empty when the first call fails.
@@ -44,8 +50,6 @@ struct FirstFound {
   WIN32_FIND_DATAA data;
 };
 FirstFound FindFirst(const std::string &pattern);
-// The bytes of a text, in hexadecimal, for failure messages about Shift-JIS names.
-std::string Hex(const std::string &text);
 // True when the tests run under Wine rather than on Windows or on Linux.
 bool RunningUnderWine();
 // True under Wine when it runs as root, which lets Linux permissions allow what Windows would refuse.
@@ -56,3 +60,11 @@ template <typename T>
 T WindowsOrWine(T windows, T wine) {
   return RunningUnderWine() ? wine : windows;
 }
+
+// A writable 520-byte copy of a path, for the routines that edit their path in place.
+struct PathBuffer {
+  explicit PathBuffer(const std::string &text) { Set(text); }
+  void Set(const std::string &text) { bytes[text.copy(bytes, sizeof bytes - 1)] = 0; }
+  std::string Text() const { return bytes; }
+  char bytes[520];
+};
