@@ -3,7 +3,6 @@
 // local time, the Windows folder and the search path. Files are made with the C library here, so that a test can
 // set up what Windows could not.
 #include <fcntl.h>
-#include <ftw.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,14 +11,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "support/scratch_folder.h"
 #include "platform/posix/testing.h"
-#include "platform/winapi.h"
+#include "scratch_drive.h"
 
 namespace {
 
@@ -27,51 +26,10 @@ using Names = std::vector<std::string>;
 
 DWORD ErrorOf(DWORD attributes) { return attributes == INVALID_FILE_ATTRIBUTES ? GetLastError() : 0; }
 
-int RemoveEntry(const char *path, const struct stat *, int, struct FTW *) {
-  remove(path);
-  return 0;
-}
-
-int OpenUp(const char *path, const struct stat *, int type, struct FTW *) {
-  if (type == FTW_D) chmod(path, 0700);
-  return 0;
-}
-
-void RemoveLinuxTree(const std::string &root) {
-  nftw(root.c_str(), OpenUp, 16, FTW_PHYS);
-  nftw(root.c_str(), RemoveEntry, 16, FTW_DEPTH | FTW_PHYS);
-}
-
-// A new folder in `base` (null: the temporary folder). Empty if it cannot be made.
-std::string MakeLinuxTemp(const char *stem, const char *base = nullptr) {
-  const char *tmp = std::getenv("TMPDIR");
-  if (!base) base = tmp && *tmp ? tmp : "/tmp";
-  std::string pattern = std::string(base) + "/" + stem + "-XXXXXX";
-  std::vector<char> buffer(pattern.begin(), pattern.end());
-  buffer.push_back(0);
-  return mkdtemp(buffer.data()) ? std::string(buffer.data()) : std::string();
-}
-
-// A Linux folder of the test's own, mapped as drive T: (Z: stays "/").
+// A Linux folder of the test's own, mapped as drive T: (Z: stays "/"); the process folder is put back at the end.
 class LinuxDisk : public ::testing::Test {
  protected:
-  void SetUp() override {
-    root_ = MakeLinuxTemp("kelmaro-disk");
-    ASSERT_FALSE(root_.empty());
-    char here[4096];
-    ASSERT_NE(getcwd(here, sizeof here), nullptr);
-    before_ = here;
-    TestSetDrives(("T=" + root_).c_str());
-    TestClearFaults();
-  }
-  void TearDown() override {
-    TestClearFaults();
-    if (chdir(before_.c_str()) != 0) ADD_FAILURE() << before_;
-    TestSetDrives(nullptr);
-    RemoveLinuxTree(root_);
-  }
-
-  std::string Linux(const std::string &relative) const { return root_ + "/" + relative; }
+  std::string Linux(const std::string &relative = "") const { return drive_.Linux(relative); }
   void Touch(const std::string &relative, const std::string &contents = "") const {
     std::ofstream file(Linux(relative), std::ios::binary);
     file << contents;
@@ -90,29 +48,26 @@ class LinuxDisk : public ::testing::Test {
     return stat(Linux(relative).c_str(), &info) == 0 ? (info.st_mode & 07777) : 0;
   }
 
-  std::string root_;
-  std::string before_;
+  ScratchDrive drive_;
 };
 
 TEST_F(LinuxDisk, DrivesComeFromTheTable) {
-  TestSetDrives(("T=" + root_ + ";U=/nonexistent-kelmaro").c_str());
-  EXPECT_EQ(GetDriveTypeA("T:\\"), static_cast<UINT>(DRIVE_FIXED));
+  TestSetDrives(("T=" + Linux() + ";U=/nonexistent-kelmaro").c_str());
   EXPECT_EQ(GetDriveTypeA("t:"), static_cast<UINT>(DRIVE_FIXED));
   EXPECT_EQ(GetDriveTypeA("U:\\"), static_cast<UINT>(DRIVE_NO_ROOT_DIR));  // mapped to nothing
-  EXPECT_EQ(GetDriveTypeA("Q:\\"), static_cast<UINT>(DRIVE_NO_ROOT_DIR));
   EXPECT_EQ(GetLogicalDrives(), (1u << ('T' - 'A')) | (1u << ('Z' - 'A')));
   SetLastError(0);
   EXPECT_EQ(ErrorOf(GetFileAttributesA("U:\\x")), static_cast<DWORD>(ERROR_PATH_NOT_FOUND));
   Touch("f.lnk", "abc");
   EXPECT_EQ(GetFileAttributesA("T:\\f.lnk"), FILE_ATTRIBUTE_ARCHIVE);
-  EXPECT_EQ(GetFileAttributesA(("Z:" + root_ + "/f.lnk").c_str()), FILE_ATTRIBUTE_ARCHIVE);  // "/" as a separator
+  EXPECT_EQ(GetFileAttributesA(("Z:" + Linux() + "/f.lnk").c_str()), FILE_ATTRIBUTE_ARCHIVE);  // "/" as a separator
 }
 
 TEST_F(LinuxDisk, TheCurrentFolderIsTheProcessFolderByTheLongestRoot) {
   MakeFolder("sub");
   MakeFolder("sub/deeper");
   ASSERT_EQ(chdir(Linux("sub/deeper").c_str()), 0);
-  TestSetDrives(("T=" + root_ + ";S=" + root_ + "/sub").c_str());
+  TestSetDrives(("T=" + Linux() + ";S=" + Linux() + "/sub").c_str());
   char buffer[MAX_PATH];
   DWORD length = GetCurrentDirectoryA(sizeof buffer, buffer);
   EXPECT_EQ(std::string(buffer, length), "S:\\deeper");
@@ -121,7 +76,7 @@ TEST_F(LinuxDisk, TheCurrentFolderIsTheProcessFolderByTheLongestRoot) {
   EXPECT_EQ(GetFileAttributesA("\\deeper"), FILE_ATTRIBUTE_DIRECTORY);
   // A process folder that no drive holds: the first mapped drive's root.
   ASSERT_EQ(chdir("/"), 0);
-  TestSetDrives(("Z=/nonexistent-kelmaro;B=" + root_).c_str());
+  TestSetDrives(("Z=/nonexistent-kelmaro;B=" + Linux()).c_str());
   length = GetCurrentDirectoryA(sizeof buffer, buffer);
   EXPECT_EQ(std::string(buffer, length), "B:\\");
 }
@@ -179,23 +134,20 @@ TEST_F(LinuxDisk, ALinkToAFolderLooksLikeAJunction) {
   EXPECT_EQ(GetFileAttributesA("T:\\d\\up\\d\\loop\\loop\\x.lnk"), FILE_ATTRIBUTE_ARCHIVE);
 }
 
-TEST_F(LinuxDisk, ALoopOfLinksEndsAtThePathLimit) {
-  MakeFolder("d");
-  Touch("d/x.lnk");
-  Link(".", "d/loop-loop");
-  // Ten characters a level: the pattern outgrows MAX_PATH long before Linux's limit of 40 links in one path.
-  std::pair<int, DWORD> end = WalkDown("T:\\d", "loop-loop", {".", "..", "loop-loop", "x.lnk"});
-  EXPECT_EQ(end.second, static_cast<DWORD>(ERROR_FILENAME_EXCED_RANGE));
-  EXPECT_EQ(end.first, (MAX_PATH - 4 - 2) / 10 + 1);  // "T:\d" and "\*" around the levels
-}
-
-TEST_F(LinuxDisk, ALoopOfShortLinksEndsAtTheLinkLimit) {
+TEST_F(LinuxDisk, ALoopOfLinksEndsAtThePathLimitOrTheLinkLimit) {
   MakeFolder("d");
   Link(".", "d/l");
-  // Two characters a level: Linux stops following after 40 links, as Windows does after 63 reparse points.
-  std::pair<int, DWORD> end = WalkDown("T:\\d", "l", {".", "..", "l"});
+  Link(".", "d/loop-loop");
+  const Names entries = {".", "..", "l", "loop-loop"};
+  // Ten characters a level outgrow MAX_PATH long before Linux's limit of 40 links in one path ("T:\d" and "\*" go
+  // around the levels) ...
+  std::pair<int, DWORD> end = WalkDown("T:\\d", "loop-loop", entries);
+  EXPECT_EQ(end.second, static_cast<DWORD>(ERROR_FILENAME_EXCED_RANGE));
+  EXPECT_EQ(end.first, (MAX_PATH - 4 - 2) / 10 + 1);
+  // ... two characters a level reach it: "T:\d" and 40 links, as Windows stops after 63 reparse points.
+  end = WalkDown("T:\\d", "l", entries);
   EXPECT_EQ(end.second, static_cast<DWORD>(ERROR_CANT_RESOLVE_FILENAME));
-  EXPECT_EQ(end.first, 41);  // "T:\d" and 40 links
+  EXPECT_EQ(end.first, 41);
 }
 
 TEST_F(LinuxDisk, LinksToFilesAndLinksToNothing) {
@@ -312,19 +264,6 @@ TEST_F(LinuxDisk, ChosenCallsCanBeMadeToFail) {
     EXPECT_EQ(GetLastError(), row.deleted ? 0u : static_cast<DWORD>(ERROR_ACCESS_DENIED)) << row.path;
     EXPECT_EQ(Exists(row.path + 3), !row.deleted) << row.path;
   }
-  // A listing that fails in the middle.
-  for (const char *name : {"e", "f"}) Touch(name);
-  ASSERT_TRUE(TestFailCalls("FindNextFileA", ERROR_NOT_ENOUGH_MEMORY));
-  WIN32_FIND_DATAA data;
-  HANDLE search = FindFirstFileA("T:\\*", &data);
-  ASSERT_NE(search, INVALID_HANDLE_VALUE);
-  EXPECT_STREQ(data.cFileName, "b");
-  SetLastError(0);
-  EXPECT_FALSE(FindNextFileA(search, &data));
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
-  EXPECT_TRUE(FindNextFileA(search, &data));
-  EXPECT_STREQ(data.cFileName, "c");
-  FindClose(search);
   // Every call, until cleared.
   ASSERT_TRUE(TestFailCalls("CreateFileA", ERROR_DISK_FULL, -1));
   for (int call = 0; call < 3; ++call) {
@@ -359,47 +298,36 @@ TEST_F(LinuxDisk, NetworkPathsMiss) {
   EXPECT_EQ(CreateFileA("\\\\server\\share\\x", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr),
             INVALID_HANDLE_VALUE);
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_BAD_NETPATH));
-  EXPECT_EQ(GetDriveTypeA("\\\\server\\share\\"), static_cast<UINT>(DRIVE_NO_ROOT_DIR));
   SetLastError(0);
   EXPECT_FALSE(GetVolumeInformationA("\\\\server\\share\\", nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0));
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_BAD_NETPATH));
 }
 
-TEST_F(LinuxDisk, NewFilesCanBeReadOnlyOrGoneAtTheClose) {
-  HANDLE file = CreateFileA("T:\\ro.lnk", GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_ATTRIBUTE_READONLY, nullptr);
-  ASSERT_NE(file, INVALID_HANDLE_VALUE);
-  DWORD written = 0;
-  EXPECT_TRUE(WriteFile(file, "abc", 3, &written, nullptr));  // the handle that made it may still write
-  CloseHandle(file);
-  EXPECT_EQ(GetFileAttributesA("T:\\ro.lnk"), FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY);
-  file = CreateFileA("T:\\temp", GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-  ASSERT_NE(file, INVALID_HANDLE_VALUE);
-  EXPECT_TRUE(Exists("temp"));
-  CloseHandle(file);
-  EXPECT_FALSE(Exists("temp"));
-  // No access asked: a handle to ask about the file, not to read it.
-  file = CreateFileA("T:\\ro.lnk", 0, 0, nullptr, OPEN_EXISTING, 0, nullptr);
-  ASSERT_NE(file, INVALID_HANDLE_VALUE);
-  EXPECT_EQ(GetFileSize(file, nullptr), 3u);
-  char byte;
-  DWORD got;
-  SetLastError(0);
-  EXPECT_FALSE(ReadFile(file, &byte, 1, &got, nullptr));
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
-  CloseHandle(file);
-  // A folder opens only for one who says so.
-  MakeFolder("d");
-  EXPECT_EQ(CreateFileA("T:\\d", GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr), INVALID_HANDLE_VALUE);
-  file = CreateFileA("T:\\d", 0, 0, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-  EXPECT_NE(file, INVALID_HANDLE_VALUE);
-  CloseHandle(file);
-}
+// Sets an environment variable for one test and puts it back.
+class SavedVariable {
+ public:
+  explicit SavedVariable(const char *name) : name_(name) {
+    const char *value = std::getenv(name);
+    had_ = value != nullptr;
+    if (had_) value_ = value;
+  }
+  ~SavedVariable() {
+    if (had_)
+      setenv(name_.c_str(), value_.c_str(), 1);
+    else
+      unsetenv(name_.c_str());
+    tzset();
+  }
+
+ private:
+  std::string name_, value_;
+  bool had_;
+};
 
 uint64_t TicksOf(time_t seconds) { return (static_cast<uint64_t>(seconds) + 11644473600ull) * 10000000ull; }
 
 TEST(FileTimes, LocalTimeUsesTheZonesBiasOfNow) {
-  const char *saved = std::getenv("TZ");
-  std::string before = saved ? saved : "";
+  SavedVariable zone("TZ");
   struct Row {
     const char *zone;
     int64_t hours;
@@ -417,110 +345,72 @@ TEST(FileTimes, LocalTimeUsesTheZonesBiasOfNow) {
   SetLastError(0);
   EXPECT_FALSE(FileTimeToLocalFileTime(&tooLate, &out));
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_PARAMETER));
-  if (saved)
-    setenv("TZ", before.c_str(), 1);
-  else
-    unsetenv("TZ");
-  tzset();
 }
 
-// Sets an environment variable for one test and puts it back.
-class SavedVariable {
- public:
-  explicit SavedVariable(const char *name) : name_(name) {
-    const char *value = std::getenv(name);
-    had_ = value != nullptr;
-    if (had_) value_ = value;
-  }
-  ~SavedVariable() {
-    if (had_)
-      setenv(name_.c_str(), value_.c_str(), 1);
-    else
-      unsetenv(name_.c_str());
-  }
-
- private:
-  std::string name_, value_;
-  bool had_;
-};
-
-TEST_F(LinuxDisk, TheWindowsFolderComesFromTheEnvironment) {
-  SavedVariable windir("windir"), systemRoot("SystemRoot");
+// SearchPathA looks where Windows looks: the program's folder, the system folder and the Windows folder (from windir,
+// else SystemRoot), the current folder, then PATH.
+TEST_F(LinuxDisk, SearchPathLooksInTheWindowsFoldersTheCurrentFolderAndPath) {
+  SavedVariable path("PATH"), windir("windir"), systemRoot("SystemRoot");
+  for (const char *folder : {"bin", "Win", "Win/system32", "system32"}) MakeFolder(folder);
+  for (const char *file : {"bin/tool.exe", "here.txt", "Win/system32/sys.exe", "Win/win.exe", "system32/root.exe"})
+    Touch(file);
+  setenv("PATH", ("/nonexistent-kelmaro:" + Linux("bin")).c_str(), 1);
   unsetenv("windir");
-  unsetenv("SystemRoot");
-  char buffer[MAX_PATH];
-  std::memset(buffer, 'G', sizeof buffer);
-  SetLastError(0);
-  EXPECT_EQ(GetWindowsDirectoryA(buffer, sizeof buffer), 0u);
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_PATH_NOT_FOUND));
-  EXPECT_STREQ(buffer, "");
-  EXPECT_EQ(GetSystemDirectoryA(buffer, sizeof buffer), 0u);
+  setenv("SystemRoot", "T:/Win/", 1);
+  ASSERT_TRUE(SetCurrentDirectoryA("T:\\"));
   struct Row {
-    const char *variable, *value, *windows, *system;
+    const char *name, *extension, *found;
   } rows[] = {
-      {"windir", "T:\\Win\\", "T:\\Win", "T:\\Win\\system32"},
-      {"windir", "C:\\", "C:\\", "C:\\system32"},
-      {"SystemRoot", "D:/Windows", "D:\\Windows", "D:\\Windows\\system32"},
+      {"tool.exe", nullptr, "T:\\bin\\tool.exe"},
+      {"here", ".txt", "T:\\here.txt"},
+      {"sys.exe", nullptr, "T:\\Win\\system32\\sys.exe"},
+      {"win.exe", nullptr, "T:\\Win\\win.exe"},
   };
   for (const Row &row : rows) {
-    unsetenv("windir");
-    setenv(row.variable, row.value, 1);
-    DWORD length = GetWindowsDirectoryA(buffer, sizeof buffer);
-    EXPECT_EQ(std::string(buffer, length), row.windows) << row.value;
-    length = GetSystemDirectoryA(buffer, sizeof buffer);
-    EXPECT_EQ(std::string(buffer, length), row.system) << row.value;
-    unsetenv(row.variable);
+    char buffer[MAX_PATH];
+    char *part = nullptr;
+    DWORD length = SearchPathA(nullptr, row.name, row.extension, sizeof buffer, buffer, &part);
+    EXPECT_EQ(std::string(buffer, length), row.found) << row.name;
+    EXPECT_STREQ(part, std::strrchr(row.found, '\\') + 1) << row.name;
   }
-  setenv("windir", "/usr/share", 1);  // not a drive path: no Windows folder
-  EXPECT_EQ(GetWindowsDirectoryA(buffer, sizeof buffer), 0u);
-}
-
-TEST_F(LinuxDisk, SearchPathLooksInTheCurrentFolderAndInPath) {
-  SavedVariable path("PATH");
-  MakeFolder("bin");
-  Touch("bin/tool.exe");
-  Touch("here.txt");
-  setenv("PATH", ("/nonexistent-kelmaro:" + root_ + "/bin").c_str(), 1);
-  ASSERT_TRUE(SetCurrentDirectoryA("T:\\"));
   char buffer[MAX_PATH];
-  char *part = nullptr;
-  DWORD length = SearchPathA(nullptr, "tool.exe", nullptr, sizeof buffer, buffer, &part);
-  EXPECT_EQ(std::string(buffer, length), "T:\\bin\\tool.exe");
-  EXPECT_STREQ(part, "tool.exe");
-  length = SearchPathA(nullptr, "here", ".txt", sizeof buffer, buffer, nullptr);
-  EXPECT_EQ(std::string(buffer, length), "T:\\here.txt");
   SetLastError(0);
   EXPECT_EQ(SearchPathA(nullptr, "absent.exe", nullptr, sizeof buffer, buffer, nullptr), 0u);
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+  setenv("windir", "T:\\", 1);  // windir before SystemRoot; a root gets no second backslash
+  DWORD length = SearchPathA(nullptr, "root.exe", nullptr, sizeof buffer, buffer, nullptr);
+  EXPECT_EQ(std::string(buffer, length), "T:\\system32\\root.exe");
+  unsetenv("SystemRoot");
+  setenv("windir", "/usr/share", 1);  // not a drive path: no Windows folder
+  EXPECT_EQ(SearchPathA(nullptr, "win.exe", nullptr, sizeof buffer, buffer, nullptr), 0u);
 }
 
 TEST_F(LinuxDisk, AFileMovesToAnotherFileSystemByCopy) {
   // /dev/shm is a file system of its own on most machines.
-  std::string shm = MakeLinuxTemp("kelmaro-shm", "/dev/shm");
+  char pattern[] = "/dev/shm/kelmaro-shm-XXXXXX";
   struct stat rootInfo, shmInfo;
-  bool apart = !shm.empty() && stat(root_.c_str(), &rootInfo) == 0 && stat(shm.c_str(), &shmInfo) == 0 &&
-               rootInfo.st_dev != shmInfo.st_dev;
-  if (!apart) {
-    if (!shm.empty()) RemoveLinuxTree(shm);
-    GTEST_SKIP() << "no second file system beside " << root_;
+  std::string shm = mkdtemp(pattern) ? pattern : "";
+  if (shm.empty() || stat(Linux().c_str(), &rootInfo) != 0 || stat(pattern, &shmInfo) != 0 ||
+      rootInfo.st_dev == shmInfo.st_dev) {
+    if (!shm.empty()) std::filesystem::remove_all(shm);
+    GTEST_SKIP() << "no second file system beside " << Linux();
   }
-  TestSetDrives(("T=" + root_ + ";M=" + shm).c_str());
+  TestSetDrives(("T=" + Linux() + ";M=" + shm).c_str());
   Touch("f.lnk", "moved bytes");
   struct timespec old[2] = {{0, UTIME_OMIT}, {1000000000, 0}};
   ASSERT_EQ(utimensat(AT_FDCWD, Linux("f.lnk").c_str(), old, 0), 0);
   MakeFolder("d");
   EXPECT_TRUE(MoveFileA("T:\\f.lnk", "M:\\f.lnk")) << GetLastError();
   EXPECT_FALSE(Exists("f.lnk"));
-  std::ifstream moved(shm + "/f.lnk");
-  std::string text((std::istreambuf_iterator<char>(moved)), std::istreambuf_iterator<char>());
-  EXPECT_EQ(text, "moved bytes");
+  std::vector<uint8_t> moved = ReadBytes(shm + "/f.lnk");
+  EXPECT_EQ(std::string(moved.begin(), moved.end()), "moved bytes");
   struct stat info;
   ASSERT_EQ(stat((shm + "/f.lnk").c_str(), &info), 0);
   EXPECT_EQ(info.st_mtim.tv_sec, 1000000000);
   SetLastError(0);
   EXPECT_FALSE(MoveFileA("T:\\d", "M:\\d"));
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_SAME_DEVICE));
-  RemoveLinuxTree(shm);
+  std::filesystem::remove_all(shm);
 }
 
 }  // namespace

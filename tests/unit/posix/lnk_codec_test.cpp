@@ -31,10 +31,26 @@ EnvironmentLookup Environment(std::map<std::string, std::string> values) {
 TEST(LnkFile, ReadsTheFormatDocumentsExample) {
   ShellLinkRecord record;
   ASSERT_EQ(ParseShellLink(ByteSpan{kExampleFile, sizeof kExampleFile}, &record), LnkError::kNone);
-  EXPECT_TRUE(record.hasIdList);
-  EXPECT_TRUE(record.hasLinkInfo);
+  const LnkHeader &header = record.header;
+  EXPECT_EQ(header.linkFlags, 0x0008009Bu);  // ID list, LinkInfo, relative path, working folder, Unicode
+  EXPECT_EQ(header.fileAttributes, 0x20u);
+  EXPECT_EQ(header.creationTime, 0x01C91515F2EEE9D0u);
+  EXPECT_EQ(header.writeTime, 0x01C91515F2EEE9D0u);
+  EXPECT_EQ(header.fileSize, 0u);
+  EXPECT_EQ(header.iconIndex, 0);
+  EXPECT_EQ(header.showCommand, 1u);
+  EXPECT_EQ(header.hotKey, 0u);
+  std::u16string path;
+  ASSERT_TRUE(record.hasIdList && IdListPath(record.idList, &path));
+  EXPECT_EQ(Utf8(path), "C:\\test\\a.txt");
+  ASSERT_TRUE(record.hasLinkInfo);
+  EXPECT_TRUE(record.linkInfo.hasLocal);
+  EXPECT_FALSE(record.linkInfo.hasNetwork);
+  EXPECT_EQ(record.linkInfo.driveType, 3u);
+  EXPECT_EQ(Utf8(LinkInfoLocalPath(record.linkInfo)), "C:\\test\\a.txt");
   EXPECT_EQ(Utf8(record.strings.relativePath), ".\\a.txt");
   EXPECT_EQ(Utf8(record.strings.workingDir), "C:\\test");
+  EXPECT_EQ(Utf8(record.strings.description), "");
   EXPECT_EQ(record.extra.otherSignatures, std::vector<uint32_t>{0xA0000003u});  // the tracker block
   EXPECT_EQ(record.damage, 0u);
   EXPECT_EQ(Utf8(SelectTargetPath(record, true, false, nullptr)), "C:\\test\\a.txt");
@@ -42,9 +58,11 @@ TEST(LnkFile, ReadsTheFormatDocumentsExample) {
 
 TEST(LnkFile, WritesWhatItReads) {
   ShellLinkRecord record;
-  record.header.fileAttributes = 0x20;
-  record.header.iconIndex = 5;
-  record.header.showCommand = 3;
+  record.header.fileAttributes = 0x21;
+  record.header.accessTime = 0x1112131415161718u;
+  record.header.fileSize = 0xDEADBEEF;
+  record.header.iconIndex = -3;
+  record.header.showCommand = 7;
   record.header.hotKey = 0x0270;  // Ctrl+F1: written when set, though the engine never sets one
   record.header.linkFlags = kLinkHasArguments | 0x00080000;  // a structure bit that is wrong, and a bit to keep
   std::vector<PathItemFacts> none;
@@ -60,13 +78,20 @@ TEST(LnkFile, WritesWhatItReads) {
   record.extra.hasIconEnvironment = true;
   record.extra.iconEnvironmentTarget = u"%SystemRoot%\\i.dll";
   std::vector<uint8_t> bytes = SerializeShellLink(record);
+  // Where Windows keeps the show command and the hotkey, whatever a reader says.
+  EXPECT_EQ(bytes[kLnkHeaderShowCommand], 7);
+  EXPECT_EQ(bytes[kLnkHeaderHotKey], 0x70);
+  EXPECT_EQ(bytes[kLnkHeaderHotKey + 1], 0x02);
 
   ShellLinkRecord back;
   ASSERT_EQ(ParseShellLink(ByteSpan{bytes.data(), bytes.size()}, &back), LnkError::kNone);
   EXPECT_EQ(back.header.linkFlags, kLinkHasIdList | kLinkHasLinkInfo | kLinkHasName | kLinkHasWorkingDir |
                                        kLinkHasIconLocation | kLinkIsUnicode | kLinkHasExpIcon | 0x00080000);
-  EXPECT_EQ(back.header.iconIndex, 5);
-  EXPECT_EQ(back.header.showCommand, 3u);
+  EXPECT_EQ(back.header.fileAttributes, 0x21u);
+  EXPECT_EQ(back.header.accessTime, record.header.accessTime);
+  EXPECT_EQ(back.header.fileSize, 0xDEADBEEFu);
+  EXPECT_EQ(back.header.iconIndex, -3);
+  EXPECT_EQ(back.header.showCommand, 7u);
   EXPECT_EQ(back.header.hotKey, 0x0270);
   EXPECT_EQ(back.idList, record.idList);
   EXPECT_EQ(back.linkInfo.localBasePath, record.linkInfo.localBasePath);
@@ -197,6 +222,10 @@ TEST(LnkFile, RefusesWhatTheFieldsDependOn) {
     LnkError error;
   } rows[] = {
       {"empty", {}, LnkError::kTooShort},
+      {"one byte short of a header", std::vector<uint8_t>(example.begin(), example.begin() + idList - 1),
+       LnkError::kTooShort},
+      {"header size not 0x4C", with(0, {0x4D}), LnkError::kBadHeader},
+      {"another class id", with(kLnkHeaderClsid, {0x02}), LnkError::kBadHeader},
       {"the header only, with its flags", std::vector<uint8_t>(example.begin(), example.begin() + idList),
        LnkError::kIdListPastEnd},
       {"ID list size past the end", with(idList, {0xFF, 0xFF}), LnkError::kIdListPastEnd},

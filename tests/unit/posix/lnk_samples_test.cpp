@@ -3,13 +3,10 @@
 // (data/make_lnkinfo_table.py), and it reads what our writer writes when it is installed.
 #include <gtest/gtest.h>
 #include <stdio.h>
-#include <stdlib.h>
 #include <sys/wait.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <set>
 #include <sstream>
@@ -19,18 +16,13 @@
 #include "platform/posix/drive_table.h"
 #include "platform/posix/lnk_codec.h"
 #include "platform/posix/lnk_text.h"
-#include "platform/winapi.h"
+#include "scratch_drive.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
 const char *const kSamples = KELMARO_SHARED_SAMPLES;
-
-std::vector<uint8_t> ReadBytes(const std::string &path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::vector<uint8_t>((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
 
 std::string Utf8(const std::u16string &text) { return Utf8FromUtf16(text); }
 
@@ -56,52 +48,36 @@ TEST(LnkSamples, EveryFileLoadsOrFailsCleanly) {
   SKIP_WITHOUT_SAMPLES();
   // A sample is loaded where it is, through Z:, or, when its path is not plain ASCII (some have no Shift-JIS form), as
   // a copy named T:\\sample.lnk.
-  char pattern[] = "/tmp/kelmaro-samples-XXXXXX";
-  ASSERT_NE(mkdtemp(pattern), nullptr);
-  std::string folder = pattern;
-  setenv("KELMARO_DRIVES", ("T=" + folder).c_str(), 1);
-  ReloadDriveTable();
-  CoInitialize(nullptr);
+  ScratchDrive drive;
   std::set<std::string> failed;
   size_t loaded = 0;
   for (const std::string &file : SampleFiles()) {
-    IShellLinkA *link = nullptr;
-    IPersistFile *persist = nullptr;
-    ASSERT_EQ(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
-                               reinterpret_cast<void **>(&link)),
-              S_OK);
-    ASSERT_EQ(link->QueryInterface(IID_IPersistFile, reinterpret_cast<void **>(&persist)), S_OK);
+    ShellLink o;
     std::string path = std::string(kSamples) + "/" + file, drivePath;
     std::wstring wide = L"T:\\sample.lnk";
     if (LinuxPathToDrivePath(path, &drivePath) &&
         std::all_of(drivePath.begin(), drivePath.end(), [](char c) { return c > 0 && c < 0x7F; }))
       wide.assign(drivePath.begin(), drivePath.end());
     else
-      fs::copy_file(path, folder + "/sample.lnk", fs::copy_options::overwrite_existing);
-    if (persist->Load(wide.c_str(), 0) == S_OK) {
-      ++loaded;
-      char text[520];
-      WIN32_FIND_DATAA find;
-      int number = 0;
-      WORD hotkey = 0;
-      link->GetPath(text, sizeof text, &find, SLGP_UNCPRIORITY);
-      link->GetPath(text, sizeof text, &find, SLGP_RAWPATH);
-      link->GetArguments(text, sizeof text);
-      link->GetWorkingDirectory(text, sizeof text);
-      link->GetDescription(text, sizeof text);
-      link->GetIconLocation(text, sizeof text, &number);
-      link->GetShowCmd(&number);
-      link->GetHotkey(&hotkey);
-    } else {
+      fs::copy_file(path, drive.Linux("sample.lnk"), fs::copy_options::overwrite_existing);
+    if (o.persist->Load(wide.c_str(), 0) != S_OK) {
       failed.insert(file);
+      continue;
     }
-    persist->Release();
-    link->Release();
+    ++loaded;
+    char text[520];
+    WIN32_FIND_DATAA find;
+    int number = 0;
+    WORD hotkey = 0;
+    o.link->GetPath(text, sizeof text, &find, SLGP_UNCPRIORITY);
+    o.link->GetPath(text, sizeof text, &find, SLGP_RAWPATH);
+    o.link->GetArguments(text, sizeof text);
+    o.link->GetWorkingDirectory(text, sizeof text);
+    o.link->GetDescription(text, sizeof text);
+    o.link->GetIconLocation(text, sizeof text, &number);
+    o.link->GetShowCmd(&number);
+    o.link->GetHotkey(&hotkey);
   }
-  CoUninitialize();
-  unsetenv("KELMARO_DRIVES");
-  ReloadDriveTable();
-  fs::remove_all(folder);
   // Two files that are no shortcut, and one whose string counts overlap so that the last string runs past the end.
   std::set<std::string> expected = {"ez/Bad/$I2GXWHL.lnk", "ez/Bad/$I2GXWHL.test",
                                     "lnkparse3/padded_cli_arguments.lnk"};
@@ -244,12 +220,7 @@ std::string LnkinfoField(const std::string &output, const std::string &label) {
 
 TEST(LnkSamples, LnkinfoReadsWhatWeWrite) {
   if (system("lnkinfo -V >/dev/null 2>&1") != 0) GTEST_SKIP() << "lnkinfo is not installed (package liblnk-utils)";
-  char pattern[] = "/tmp/kelmaro-lnkinfo-XXXXXX";
-  ASSERT_NE(mkdtemp(pattern), nullptr);
-  std::string folder = pattern;
-  setenv("KELMARO_DRIVES", ("T=" + folder).c_str(), 1);
-  ReloadDriveTable();
-  CoInitialize(nullptr);
+  ScratchDrive drive;
   struct Row {
     const char *target, *args, *workdir, *icon, *desc;
     const char *local, *network;  // what lnkinfo must find, UTF-8
@@ -260,22 +231,17 @@ TEST(LnkSamples, LnkinfoReadsWhatWeWrite) {
       {"\\\\server\\share\\dir\\f.txt", "", "\\\\server\\share", "", "", "", "\\\\server\\share\\dir\\f.txt"},
   };
   for (const Row &row : rows) {
-    IShellLinkA *link = nullptr;
-    IPersistFile *persist = nullptr;
-    ASSERT_EQ(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
-                               reinterpret_cast<void **>(&link)),
-              S_OK);
-    ASSERT_EQ(link->QueryInterface(IID_IPersistFile, reinterpret_cast<void **>(&persist)), S_OK);
-    link->SetIconLocation(*row.icon ? row.icon : row.target, 0);
-    link->SetPath(row.target);
-    link->SetArguments(row.args);
-    link->SetDescription(row.desc);
-    link->SetWorkingDirectory(row.workdir);
-    ASSERT_EQ(persist->Save(L"T:\\written.lnk", TRUE), S_OK) << row.target;
-    persist->Release();
-    link->Release();
+    {
+      ShellLink o;
+      o.link->SetIconLocation(*row.icon ? row.icon : row.target, 0);
+      o.link->SetPath(row.target);
+      o.link->SetArguments(row.args);
+      o.link->SetDescription(row.desc);
+      o.link->SetWorkingDirectory(row.workdir);
+      ASSERT_EQ(o.persist->Save(L"T:\\written.lnk", TRUE), S_OK) << row.target;
+    }
     std::string output;
-    ASSERT_TRUE(RunLnkinfo(folder + "/written.lnk", &output)) << row.target;
+    ASSERT_TRUE(RunLnkinfo(drive.Linux("written.lnk"), &output)) << row.target;
     EXPECT_EQ(LnkinfoField(output, "Local path"), row.local) << output;
     EXPECT_EQ(LnkinfoField(output, "Network path"), row.network) << output;
     EXPECT_EQ(LnkinfoField(output, "Command line arguments"), Utf8(Utf16FromCp932(row.args))) << output;
@@ -285,10 +251,6 @@ TEST(LnkSamples, LnkinfoReadsWhatWeWrite) {
     // A drive path gets an ID list; a UNC path none, as Windows writes it.
     EXPECT_EQ(output.find("Number of items") != std::string::npos, *row.local != 0) << output;
   }
-  CoUninitialize();
-  unsetenv("KELMARO_DRIVES");
-  ReloadDriveTable();
-  fs::remove_all(folder);
 }
 
 }  // namespace
