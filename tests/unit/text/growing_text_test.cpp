@@ -10,6 +10,7 @@
 
 #include "platform/testing.h"
 #include "reports/last_error.h"
+#include "support/hex_text.h"
 
 namespace {
 
@@ -98,21 +99,18 @@ TEST_F(GrowingText, AppendAsksForRoomForTheOldTextThenGrowsTheBlock) {
   GlobalFree(handle);
 }
 
-TEST_F(GrowingText, ManyAppendsKeepTheTextAndTheExactSize) {
-  std::string model;
-  HGLOBAL handle = nullptr;
-  for (int i = 0; i < 3000; ++i) {
-    std::string piece(static_cast<size_t>(i % 23), static_cast<char>('a' + i % 26));
-    if (i % 7 == 0) piece += "表示";
-    handle = AppendToBlock(nullptr, handle, piece.c_str());
-    model += piece;
-    ASSERT_EQ(GlobalSize(handle), model.size() + 1) << "after append " << i;
-    if (i % 250 == 0) {
-      ASSERT_EQ(BlockBytes(handle), WithNul(model)) << "after append " << i;
-    }
+// Appends by turns to more blocks than the routine remembers text lengths for: each block keeps its exact text.
+TEST_F(GrowingText, AppendsByTurnsToManyBlocks) {
+  std::string models[5];
+  HGLOBAL handles[5] = {};
+  for (int i = 0; i < 40; ++i) {
+    std::string piece =
+        std::string(static_cast<size_t>(i % 7), static_cast<char>('a' + i % 26)) + (i % 3 ? "" : "表示");
+    handles[i % 5] = AppendToBlock(nullptr, handles[i % 5], piece.c_str());
+    models[i % 5] += piece;
+    ASSERT_EQ(BlockBytes(handles[i % 5]), WithNul(models[i % 5])) << "after append " << i;
   }
-  EXPECT_EQ(BlockBytes(handle), WithNul(model));
-  GlobalFree(handle);
+  for (HGLOBAL handle : handles) GlobalFree(handle);
 }
 
 // An append must find the text's end where a scan would, also after somebody else has written to the block.
@@ -156,6 +154,8 @@ TEST_F(GrowingText, NoRoomForTheOldTextOverwritesItAndWarns) {
       {"old text overwritten from the start", kStored, "abc", 3, "de", std::string("de\0\0", 4)},
       {"new text cut to the block, which keeps its size", kStored, "abc", 3, "defgh", std::string("def\0", 4)},
       {"empty old text, no room even for its NUL", kStored, "", 0, "x", std::string("\0", 1)},
+      {"in a larger block the rest stays as it was", kLargeBlock, "abc", 3, "de",
+       std::string("de\0\0", 4) + std::string(516, 'x')},
   };
   for (const Row &row : rows) {
     TestConsoleBegin("");
@@ -169,18 +169,6 @@ TEST_F(GrowingText, NoRoomForTheOldTextOverwritesItAndWarns) {
     EXPECT_TRUE(IsUnlocked(result)) << row.name;
     GlobalFree(result);
   }
-
-  // In a larger block the rest stays as it was.
-  TestConsoleBegin("");
-  HGLOBAL handle = MakeBlock(kLargeBlock, "abc");
-  TestSetAllocationLimit(3);
-  handle = AppendToBlock(nullptr, handle, "de");
-  TestSetAllocationLimit(kNoAllocationLimit);
-  std::string bytes = BlockBytes(handle);
-  EXPECT_EQ(bytes.size(), 520u);
-  EXPECT_EQ(bytes.substr(0, 6), std::string("de\0\0xx", 6));
-  EXPECT_EQ(TestConsoleOutput(), kAppendWarning);
-  GlobalFree(handle);
 }
 
 TEST_F(GrowingText, StoreSizesTheBlockToTheText) {
@@ -243,16 +231,6 @@ const int kFatalStatus = -2;  // exit(-2): the process's exit code is 0xFFFFFFFE
 const int kFatalStatus = 254;  // exit(-2): the low byte of the status
 #endif
 
-std::string Hex(const std::string &bytes) {
-  static const char kDigits[] = "0123456789ABCDEF";
-  std::string out;
-  for (unsigned char c : bytes) {
-    out += kDigits[c >> 4];
-    out += kDigits[c & 15];
-  }
-  return out;
-}
-
 // In the dying process: keep the console in memory, and hand it to standard error, in hex, from an exit handler.
 // That the text arrives at all shows that the process ended through exit() with its handlers run.
 void ReportConsoleAtExit() {
@@ -265,57 +243,27 @@ std::string ConsoleWas(const std::string &text) { return "console=" + Hex(text) 
 const char kAppendFatal[] = "AddToGlobalMemory() の警告:予期せぬｴﾗｰにより記憶領域のｱｸｾｽに失敗しました。Press Any Key>>";
 const char kStoreFatal[] = "SaveToGlobalMemory() の警告:予期せぬｴﾗｰにより記憶領域のｱｸｾｽに失敗しました。Press Any Key>>";
 
-TEST(GrowingTextDeathTest, AppendWithNoBlockToBeHad) {
-  EXPECT_EXIT(
-      {
-        ReportConsoleAtExit();
-        TestSetAllocationLimit(0);
-        AppendToBlock(nullptr, nullptr, "abc");
-      },
-      ::testing::ExitedWithCode(kFatalStatus), ConsoleWas(kAppendFatal));
-}
+// The statements run in a child process, which must end through exit(-2) with `console` shown.
+#define EXPECT_FATAL(statements, console) \
+  EXPECT_EXIT(                            \
+      {                                   \
+        ReportConsoleAtExit();            \
+        statements;                       \
+      },                                  \
+      ::testing::ExitedWithCode(kFatalStatus), ConsoleWas(console))
 
-TEST(GrowingTextDeathTest, AppendThatCannotGrowTheBlock) {
-  EXPECT_EXIT(
-      {
-        ReportConsoleAtExit();
-        HGLOBAL handle = StoreToBlock(nullptr, nullptr, "abc");
-        TestSetAllocationLimit(4);  // room for the old text, but not the grown block
-        AppendToBlock(nullptr, handle, "de");
-      },
-      ::testing::ExitedWithCode(kFatalStatus), ConsoleWas(kAppendFatal));
-}
-
-TEST(GrowingTextDeathTest, StoreWithNoBlockToBeHad) {
-  EXPECT_EXIT(
-      {
-        ReportConsoleAtExit();
-        TestSetAllocationLimit(0);
-        StoreToBlock(nullptr, nullptr, "abc");
-      },
-      ::testing::ExitedWithCode(kFatalStatus), ConsoleWas(kStoreFatal));
-}
-
-TEST(GrowingTextDeathTest, StoreThatCannotGrowTheBlock) {
-  EXPECT_EXIT(
-      {
-        ReportConsoleAtExit();
-        HGLOBAL slot = nullptr;
-        char *copy = StoreAndLockBlock(&slot, nullptr, "a");
-        TestSetAllocationLimit(2);
-        StoreAndLockBlock(&slot, copy, "abc");
-      },
-      ::testing::ExitedWithCode(kFatalStatus), ConsoleWas(kStoreFatal));
-}
-
-TEST(GrowingTextDeathTest, WithoutDetailTheGeneralMessageShows) {
-  EXPECT_EXIT(
-      {
-        ReportConsoleAtExit();
-        FatalMemoryExit(nullptr, 8058, 0);
-      },
-      ::testing::ExitedWithCode(kFatalStatus),
-      ConsoleWas("SaveToGlobalMemory() の警告:ﾒﾓﾘｰｴﾗｰ: 記憶領域の確保失敗!!\n強制終了します。Press Any Key>>"));
+TEST(GrowingTextDeathTest, NoMemoryEndsTheRunWithItsMessage) {
+  // No block to be had for an append or a store.
+  EXPECT_FATAL(TestSetAllocationLimit(0); AppendToBlock(nullptr, nullptr, "abc"), kAppendFatal);
+  EXPECT_FATAL(TestSetAllocationLimit(0); StoreToBlock(nullptr, nullptr, "abc"), kStoreFatal);
+  // Room for the old text, but not for the grown block.
+  EXPECT_FATAL(HGLOBAL handle = StoreToBlock(nullptr, nullptr, "abc"); TestSetAllocationLimit(4);
+               AppendToBlock(nullptr, handle, "de"), kAppendFatal);
+  EXPECT_FATAL(HGLOBAL slot = nullptr; char *copy = StoreAndLockBlock(&slot, nullptr, "a"); TestSetAllocationLimit(2);
+               StoreAndLockBlock(&slot, copy, "abc"), kStoreFatal);
+  // Without detail the general message shows.
+  EXPECT_FATAL(FatalMemoryExit(nullptr, 8058, 0),
+               "SaveToGlobalMemory() の警告:ﾒﾓﾘｰｴﾗｰ: 記憶領域の確保失敗!!\n強制終了します。Press Any Key>>");
 }
 
 }  // namespace
