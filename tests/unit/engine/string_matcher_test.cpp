@@ -87,46 +87,48 @@ TEST_F(StringMatcher, WorkedExamples) {
   }
 }
 
-TEST_F(StringMatcher, DoubleByteEdges) {
+TEST_F(StringMatcher, FurtherEdges) {
+  const std::string longest(kFieldSize - 1, 'p');
   struct Row {
-    const char *name, *field, *oldString, *newString;
+    const char *name;
+    std::string field, oldString, newString;
     unsigned char flags;
     int result;
-    const char *after;
+    std::string after;  // empty: unchanged
   } rows[] = {
-      // 表 is 0x95 0x5C: its trail byte counts as a separator in front of a match.
+      // 表 is 0x95 0x5C: its trail byte counts as a separator in front of a match ...
       {"trail 0x5C before an all/folder match", "C:\\表foo\\x", "foo", "yy", 0xA0, 1, "C:\\表yy\\x"},
       {"trail 0x5C before an end/folder match", "C:\\表b.txt", "b.txt", "c", 0x0A, 1, "C:\\表c"},
       // ... but not behind one: a trail 0x5C is no backslash at the right boundary.
-      {"trail 0x5C after a match", "C:\\x表y", "C:\\x\x95", "D:", 0xA0, 0, "C:\\x表y"},
+      {"trail 0x5C after a match", "C:\\x表y", "C:\\x\x95", "D:", 0xA0, 0, ""},
       // All match searches character by character: "A" inside ア (0x83 0x41) is not found ...
-      {"all: no match inside a character", "\x83\x41", "A", "B", 0x60, 0, "\x83\x41"},
-      {"all, case-blind: no match inside a character", "\x83\x41", "a", "B", 0x20, 0, "\x83\x41"},
+      {"all: no match inside a character", "\x83\x41", "A", "B", 0x60, 0, ""},
+      {"all, case-blind: no match inside a character", "\x83\x41", "a", "B", 0x20, 0, ""},
       // ... while End match has no such protection and splits the character.
       {"end: match on a trail byte", "\x83\x41", "A", "B", 0x06, 1, "\x83\x42"},
       {"all: double-byte old string", "a表b表", "表", "x", 0x20, 1, "axbx"},
-      {"z: backslash only as a trail byte", "表", "表", "x", 0x30, 0, "表"},
+      {"z: backslash only as a trail byte", "表", "表", "x", 0x30, 0, ""},
+      // All match keeps the case of the field and of the new string: only the search copy is lowered.
+      {"all, case-blind", "Foo\\BAR\\fOO", "FOO", "Baz", 0x20, 1, "Baz\\BAR\\Baz"},
+      // Front match in character units writes the byte that stood at the cut offset back into the result.
+      {"front/char: the new text ends at the cut offset", "abc\\d", "abc", "X", 0x05, 1, "X\\d\\d"},
+      {"front/char: one byte of the result changed", "ABCDEF", "ABCD", "XY", 0x05, 1, "XYEFEF"},
+      {"front/char: a longer field", "ABCDEFGH", "ABC", "X", 0x05, 1, "XDEDGH"},
+      {"front/char: the offset behind the new terminator", "ABCDEFGH", "ABCDEF", "X", 0x05, 1, "XGH"},
+      {"front/char: same lengths", "ABCDEFGH", "ABC", "XYZ", 0x05, 1, "XYZDEFGH"},
+      // A splice that would overflow the field's buffer is no replacement.
+      {"front, just fits", "a" + longest.substr(1), "a", "b", 0x05, 1, "b" + longest.substr(1)},
+      {"front, one byte too long", "a\\" + longest.substr(2), "a", "bb", 0x09, 0, ""},
+      {"front, character unit, too long", "a" + longest.substr(1), "a", "bb", 0x05, 0, ""},
+      {"end, too long", longest.substr(1) + "a", "a", "bb", 0x06, 0, ""},
+      {"end, just fits", longest.substr(2) + "a", "a", "bb", 0x06, 1, longest.substr(2) + "bb"},
+      {"all, the last splice too long", "a" + longest.substr(3) + "a", "a", "bb", 0x20, 0, ""},
+      {"all, just fits", "a" + longest.substr(4) + "a", "a", "bb", 0x20, 1, "bb" + longest.substr(4) + "bb"},
   };
   for (const Row &row : rows) {
     SCOPED_TRACE(row.name);
-    EXPECT_EQ(Run(row.field, row.oldString, row.newString, row.flags), row.result);
-    EXPECT_STREQ(field, row.after);
-  }
-}
-
-TEST_F(StringMatcher, FrontCharacterUnitWritesTheCutByteBack) {
-  struct Row {
-    const char *field, *oldString, *newString, *after;
-  } rows[] = {
-      {"abc\\d", "abc", "X", "X\\d\\d"},  // the new text ends at the cut offset: it runs on to the old end
-      {"ABCDEF", "ABCD", "XY", "XYEFEF"},     {"ABCDEFGH", "ABC", "X", "XDEDGH"},  // one byte of the result changed
-      {"ABCDEFGH", "ABCDEF", "X", "XGH"},      // the offset lies behind the new terminator
-      {"ABCDEFGH", "ABC", "XYZ", "XYZDEFGH"},  // same lengths: the byte that stands there anyway
-  };
-  for (const Row &row : rows) {
-    SCOPED_TRACE(std::string(row.field) + " / " + row.oldString + " / " + row.newString);
-    EXPECT_EQ(Run(row.field, row.oldString, row.newString, 0x05), 1);
-    EXPECT_STREQ(field, row.after);
+    EXPECT_EQ(Run(row.field.c_str(), row.oldString.c_str(), row.newString.c_str(), row.flags), row.result);
+    EXPECT_EQ(std::string(field), row.after.empty() ? row.field : row.after);
   }
 }
 
@@ -137,11 +139,6 @@ TEST_F(StringMatcher, FieldEqualToOldStringIsReplacedInEveryMode) {
     EXPECT_STREQ(field, "D:\\New");
     EXPECT_EQ(match, field);
   }
-}
-
-TEST_F(StringMatcher, AllMatchKeepsTheCaseOfTheFieldAndOfTheNewString) {
-  EXPECT_EQ(Run("Foo\\BAR\\fOO", "FOO", "Baz", 0x20), 1);
-  EXPECT_STREQ(field, "Baz\\BAR\\Baz");
 }
 
 TEST_F(StringMatcher, CaseBlindAllMatchLowersTheOldStringForLaterCalls) {
@@ -204,30 +201,6 @@ TEST_F(StringMatcher, FrontMatchReadsNothingBehindAShortField) {
   std::string before(field, kFieldSize);
   EXPECT_EQ(ReplaceInField(field, &match), 0);
   EXPECT_EQ(std::string(field, kFieldSize), before);
-}
-
-TEST_F(StringMatcher, SplicesThatWouldOverflowTheFieldAreNoReplacement) {
-  const std::string longest(kFieldSize - 1, 'p');
-  struct Row {
-    const char *name;
-    std::string field, oldString, newString;
-    unsigned char flags;
-    int result;
-    std::string after;  // empty: unchanged
-  } rows[] = {
-      {"front, just fits", "a" + longest.substr(1), "a", "b", 0x05, 1, "b" + longest.substr(1)},
-      {"front, one byte too long", "a\\" + longest.substr(2), "a", "bb", 0x09, 0, ""},
-      {"front, character unit, too long", "a" + longest.substr(1), "a", "bb", 0x05, 0, ""},
-      {"end, too long", longest.substr(1) + "a", "a", "bb", 0x06, 0, ""},
-      {"end, just fits", longest.substr(2) + "a", "a", "bb", 0x06, 1, longest.substr(2) + "bb"},
-      {"all, the last splice too long", "a" + longest.substr(3) + "a", "a", "bb", 0x20, 0, ""},
-      {"all, just fits", "a" + longest.substr(4) + "a", "a", "bb", 0x20, 1, "bb" + longest.substr(4) + "bb"},
-  };
-  for (const Row &row : rows) {
-    SCOPED_TRACE(row.name);
-    EXPECT_EQ(Run(row.field.c_str(), row.oldString.c_str(), row.newString.c_str(), row.flags), row.result);
-    EXPECT_EQ(std::string(field), row.after.empty() ? row.field : row.after);
-  }
 }
 
 TEST_F(StringMatcher, NoWorkingBlockNoReplacement) {
