@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/winapi.h"
+#include "support/hex_text.h"
 
 #ifndef _WIN32
 #include <iconv.h>
@@ -138,33 +139,18 @@ std::string Utf8ToShiftJis(const std::string &utf8) {
 #endif
 }
 
-std::string Hex(const std::string &bytes) {
-  static const char kDigits[] = "0123456789ABCDEF";
-  std::string out;
-  for (unsigned char c : bytes) {
-    out += kDigits[c >> 4];
-    out += kDigits[c & 15];
-    out += ' ';
-  }
-  return out;
-}
-
-std::string Load(unsigned id, int bufferMax = 1040) {
+// The text of an id as LoadStringA gives it, read from `module`; its length must be that of the text it wrote.
+std::string Load(unsigned id, HINSTANCE module = nullptr) {
   char buffer[1040];
   std::memset(buffer, '#', sizeof buffer);
-  int length = LoadStringA(nullptr, id, buffer, bufferMax);
-  return std::string(buffer, static_cast<size_t>(length));
+  int length = LoadStringA(module, id, buffer, sizeof buffer);
+  std::string text(buffer, length > 0 ? static_cast<size_t>(length) : 0);
+  EXPECT_EQ(text, buffer) << "id " << id << ": length and terminator";
+  return text;
 }
 
 TEST(MessageTable, EveryIdLoadsToItsShiftJisText) {
-  for (const MessageRow &row : kTable) {
-    std::string expected = Utf8ToShiftJis(row.utf8);
-    char buffer[1040];
-    std::memset(buffer, '#', sizeof buffer);
-    int length = LoadStringA(nullptr, row.id, buffer, sizeof buffer);
-    EXPECT_EQ(Hex(std::string(buffer, length > 0 ? static_cast<size_t>(length) : 0)), Hex(expected)) << "id " << row.id;
-    EXPECT_EQ(static_cast<size_t>(length), std::strlen(buffer)) << "id " << row.id << ": length and terminator";
-  }
+  for (const MessageRow &row : kTable) EXPECT_EQ(Hex(Load(row.id)), Hex(Utf8ToShiftJis(row.utf8))) << "id " << row.id;
 }
 
 // A few rows pinned as bytes, so that even a converter shared by the build and the test cannot pass wrong texts.
@@ -173,6 +159,7 @@ TEST(MessageTable, PinnedBytes) {
   EXPECT_EQ(Hex(Load(8293)), Hex("\x81\x7E"));                                  // ×
   EXPECT_EQ(Hex(Load(8050)), Hex("\xCC\xAB\xD9\xC0\xDE"));                      // half-width ﾌｫﾙﾀﾞ
   EXPECT_EQ(Load(8402), "option");
+  EXPECT_EQ(Load(8403, GetModuleHandleA(nullptr)), "UseDefine");  // the program's module reads the same table
 }
 
 TEST(MessageTable, IdsOutsideTheTableAreNotFound) {
@@ -184,19 +171,6 @@ TEST(MessageTable, IdsOutsideTheTableAreNotFound) {
     EXPECT_EQ(buffer[0], 0) << "id " << id << ": the buffer is emptied";
     EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_RESOURCE_NAME_NOT_FOUND)) << "id " << id;
   }
-}
-
-TEST(MessageTable, FoundTextLeavesTheLastErrorAlone) {
-  SetLastError(1234);
-  char buffer[64];
-  EXPECT_GT(LoadStringA(nullptr, 8018, buffer, sizeof buffer), 0);
-  EXPECT_EQ(GetLastError(), 1234u);
-}
-
-TEST(MessageTable, ModuleHandleOfTheProgramReadsTheSameTable) {
-  char buffer[64];
-  int length = LoadStringA(GetModuleHandleA(nullptr), 8403, buffer, sizeof buffer);
-  EXPECT_EQ(std::string(buffer, static_cast<size_t>(length)), "UseDefine");
 }
 
 TEST(MessageTable, BufferSizes) {
@@ -229,6 +203,10 @@ TEST(MessageTable, BufferSizes) {
       EXPECT_EQ(Hex(buffer), Hex(row.bytes)) << row.name;
   }
   EXPECT_EQ(LoadStringA(nullptr, 8402, nullptr, 10), 0) << "null buffer";
+  char buffer[64];
+  SetLastError(1234);  // a text found leaves the last error alone
+  EXPECT_GT(LoadStringA(nullptr, 8018, buffer, sizeof buffer), 0);
+  EXPECT_EQ(GetLastError(), 1234u);
 }
 
 }  // namespace
