@@ -66,11 +66,4 @@ TEST(ConsolePrompt, CaptionAndText) {
   EXPECT_EQ(Prompt(0, "k", "only text").output, "only textPress Any Key>>");
 }
 
-TEST(StopState, KeepsWhatWasSet) {
-  SetStopFlag(1000);
-  EXPECT_EQ(IsStopRequested(), 1000);
-  SetStopFlag(0);
-  EXPECT_EQ(IsStopRequested(), 0);
-}
-
 }  // namespace

@@ -90,14 +90,4 @@ TEST_F(ControlStore, SetControlCheckedStateIsNotOnOrOff) {
   EXPECT_STREQ(CheckedIdsText(), "3016 3022 3022");
 }
 
-TEST_F(ControlStore, Stubs) {
-  int count = 9, first = 9;
-  EXPECT_EQ(GetSelectedRows(nullptr, 3014, &count, &first), 0);
-  EXPECT_EQ(count, 0);
-  EXPECT_EQ(first, 0);
-  EXPECT_EQ(GetSelectedRows(nullptr, 3014, nullptr, nullptr), 0);
-  HWND window = reinterpret_cast<HWND>(0x1234);
-  EXPECT_EQ(OwnerWindow(window), window);
-}
-
 }  // namespace

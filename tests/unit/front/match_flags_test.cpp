@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "console/control_store.h"
 #include "engine/string_matcher.h"
@@ -12,44 +13,14 @@ namespace {
 
 // Checks the controls of `letters` as the command line does (one SetControlChecked per letter).
 void CheckLetters(const std::string &letters) {
+  static const std::pair<char, unsigned> kControls[] = {
+      {'i', kIdIncludeArguments},   {'m', kIdCaseMatters},   {'f', kIdMatchFront},    {'e', kIdMatchEnd},
+      {'a', kIdMatchAll},           {'d', kIdFolderUnit},    {'c', kIdCharacterUnit}, {'x', kIdNoRestriction},
+      {'y', kIdBetweenBackslashes}, {'z', kIdWithBackslash}, {'k', kIdConfirm}};
   ResetControlStore();
-  for (char letter : letters) {
-    switch (letter) {
-      case 'i':
-        SetControlChecked(kIdIncludeArguments, 1);
-        break;
-      case 'm':
-        SetControlChecked(kIdCaseMatters, 1);
-        break;
-      case 'f':
-        SetControlChecked(kIdMatchFront, 1);
-        break;
-      case 'e':
-        SetControlChecked(kIdMatchEnd, 1);
-        break;
-      case 'a':
-        SetControlChecked(kIdMatchAll, 1);
-        break;
-      case 'd':
-        SetControlChecked(kIdFolderUnit, 1);
-        break;
-      case 'c':
-        SetControlChecked(kIdCharacterUnit, 1);
-        break;
-      case 'x':
-        SetControlChecked(kIdNoRestriction, 1);
-        break;
-      case 'y':
-        SetControlChecked(kIdBetweenBackslashes, 1);
-        break;
-      case 'z':
-        SetControlChecked(kIdWithBackslash, 1);
-        break;
-      case 'k':
-        SetControlChecked(kIdConfirm, 1);
-        break;
-    }
-  }
+  for (char letter : letters)
+    for (const auto &control : kControls)
+      if (control.first == letter) SetControlChecked(control.second, 1);
 }
 
 TEST(MatchFlags, EveryAcceptedCombination) {

@@ -1,4 +1,4 @@
-// The option letters: the compatibility test and the row lookup.
+// The option letters: the compatibility test.
 #include <gtest/gtest.h>
 
 #include "front/command_line.h"
@@ -15,19 +15,6 @@ TEST(Options, CompatibilityTable) {
       {"axdc", 1}, {"fd?", 1}, {"FD", 0}, {"imfdimm", 1}, {"fedc", 0}, {"ay", 1},  {"az", 1},   {"ecrr", 1},
   };
   for (const Row &row : rows) EXPECT_EQ(OptionsAreCompatible(row.letters), row.accepted) << row.letters;
-}
-
-TEST(Options, ClassCountsAndRows) {
-  EXPECT_EQ(CountClassLetters("xfd", "fea"), 'f');
-  EXPECT_EQ(CountClassLetters("ff", "fea"), 0);
-  EXPECT_EQ(CountClassLetters("", "fea"), 0);
-  EXPECT_EQ(NotBothClasses("dx"), 0);
-  EXPECT_EQ(NotBothClasses("ddx"), 1);
-  EXPECT_EQ(FindOptionRow('i'), 0);
-  EXPECT_EQ(FindOptionRow('y'), 8);
-  EXPECT_EQ(FindOptionRow('r'), 12);
-  EXPECT_EQ(FindOptionRow('F'), -1);
-  EXPECT_EQ(FindOptionRow(0), -1);
 }
 
 }  // namespace

@@ -32,8 +32,6 @@ TEST(LastError, KeptValueOutlivesLaterCalls) {
   CaptureLastError();
   SetLastError(ERROR_SUCCESS);  // a later call that succeeds
   EXPECT_EQ(GetKeptLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
-  SetRunTimeError(2);
-  EXPECT_EQ(GetRunTimeError(), 2);
 }
 
 }  // namespace
