@@ -3,111 +3,60 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <fstream>
+#include <system_error>
 
-#ifdef _WIN32
-#include <wchar.h>
-#else
-#include <ftw.h>
-#include <sys/stat.h>
+#ifndef _WIN32
 #include <unistd.h>
 
 #include "platform/posix/drive_table.h"
 #endif
 
-namespace {
+namespace fs = std::filesystem;
 
-int counter = 0;
-
-// Deletes everything below `folder`, then the folder. This does not go through the operations under test: a name
-// that reads with "?" cannot be deleted through them, on Windows either.
-#ifdef _WIN32
-void RemoveTree(const std::wstring &folder) {
-  WIN32_FIND_DATAW data;
-  HANDLE search = FindFirstFileW((folder + L"\\*").c_str(), &data);
-  if (search != INVALID_HANDLE_VALUE) {
-    do {
-      std::wstring name = data.cFileName;
-      if (name == L"." || name == L"..") continue;
-      std::wstring path = folder + L"\\" + name;
-      SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-      if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) && !(data.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT))
-        RemoveTree(path);
-      else if (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY)
-        RemoveDirectoryW(path.c_str());
-      else
-        DeleteFileW(path.c_str());
-    } while (FindNextFileW(search, &data));
-    FindClose(search);
-  }
-  RemoveDirectoryW(folder.c_str());
-}
-
-void RemoveTree(const std::string &folder) {
-  wchar_t wide[MAX_PATH];
-  if (MultiByteToWideChar(CP_ACP, 0, folder.c_str(), -1, wide, MAX_PATH) > 0) RemoveTree(std::wstring(wide));
-}
-#else
-// Folders that a test made unwritable are opened up first; links are removed, never followed.
-int OpenUp(const char *path, const struct stat *, int type, struct FTW *) {
-  if (type == FTW_D) chmod(path, 0700);
-  return 0;
-}
-
-int RemoveEntry(const char *path, const struct stat *, int, struct FTW *) {
-  remove(path);
-  return 0;
-}
-
-void RemoveTree(const std::string &linux) {
-  nftw(linux.c_str(), OpenUp, 16, FTW_PHYS);
-  nftw(linux.c_str(), RemoveEntry, 16, FTW_DEPTH | FTW_PHYS);
-}
-#endif
-
-}  // namespace
-
-ScratchFolder::ScratchFolder() { Create(); }
-
-void ScratchFolder::Create() {
+ScratchFolder::ScratchFolder() {
+  static int counter = 0;
   GetCurrentDirectoryA(MAX_PATH, saved_);
   std::string base;
-  unsigned long process;
 #ifdef _WIN32
   char temp[MAX_PATH];
-  DWORD length = GetTempPathA(sizeof temp, temp);
-  base.assign(temp, length);
-  if (!base.empty() && base.back() == '\\') base.pop_back();
-  process = GetCurrentProcessId();
+  base.assign(temp, GetTempPathA(sizeof temp, temp));
+  unsigned long process = GetCurrentProcessId();
 #else
-  const char *tmp = std::getenv("TMPDIR");
-  std::string linux = tmp && *tmp ? tmp : "/tmp";
-  while (linux.size() > 1 && linux.back() == '/') linux.pop_back();
-  ASSERT_TRUE(LinuxPathToDrivePath(linux, &base)) << "no drive holds " << linux;
-  if (base.back() == '\\') base.pop_back();
-  process = static_cast<unsigned long>(getpid());
+  fs::path linux = fs::temp_directory_path();
+  EXPECT_TRUE(LinuxPathToDrivePath(linux.string(), &base)) << "no drive holds " << linux;
+  unsigned long process = static_cast<unsigned long>(getpid());
 #endif
+  if (!base.empty() && base.back() == '\\') base.pop_back();
   // Wine gives every run the same process id, so the time of day keeps runs apart.
-  unsigned long stamp = static_cast<unsigned long>(std::time(nullptr) % 1000000);
-  std::string name =
-      "kelmaro-" + std::to_string(process) + "-" + std::to_string(stamp) + "-" + std::to_string(++counter);
+  std::string name = "kelmaro-" + std::to_string(process) + "-" + std::to_string(std::time(nullptr) % 1000000) + "-" +
+                     std::to_string(++counter);
   path_ = base + "\\" + name;
-  ASSERT_TRUE(CreateDirectoryA(path_.c_str(), nullptr)) << path_ << " error " << GetLastError();
-#ifndef _WIN32
-  linux_ = linux + "/" + name;
+  if (!CreateDirectoryA(path_.c_str(), nullptr)) {
+    ADD_FAILURE() << path_ << " error " << GetLastError();
+    return;
+  }
+#ifdef _WIN32
+  wchar_t wide[MAX_PATH];
+  if (MultiByteToWideChar(CP_ACP, 0, path_.c_str(), -1, wide, MAX_PATH) > 0) native_ = wide;
+#else
+  native_ = linux / name;
 #endif
 }
 
+// Everything is deleted without the operations under test (a name that reads with "?" cannot be deleted through them,
+// on Windows either): read-only files and folders are opened up first, and links are removed, never followed.
 ScratchFolder::~ScratchFolder() {
   SetCurrentDirectoryA(saved_);
-#ifdef _WIN32
-  if (!path_.empty()) RemoveTree(path_);
-#else
-  if (!linux_.empty()) RemoveTree(linux_);
-#endif
+  if (native_.empty()) return;
+  std::error_code ignored;
+  fs::permissions(native_, fs::perms::owner_all, fs::perm_options::add, ignored);
+  for (fs::recursive_directory_iterator it(native_, ignored), end; it != end; it.increment(ignored))
+    if (!it->is_symlink(ignored)) fs::permissions(it->path(), fs::perms::owner_all, fs::perm_options::add, ignored);
+  fs::remove_all(native_, ignored);
 }
 
 std::string ScratchFolder::MakeFile(const std::string &name, const std::string &contents) const {
@@ -128,17 +77,8 @@ std::string ScratchFolder::MakeFolder(const std::string &name) const {
 }
 
 void ScratchFolder::MakeFileNamedInUtf8(const std::string &utf8Name) const {
-#ifdef _WIN32
-  wchar_t folder[MAX_PATH], name[MAX_PATH];
-  ASSERT_GT(MultiByteToWideChar(CP_ACP, 0, path_.c_str(), -1, folder, MAX_PATH), 0);
-  ASSERT_GT(MultiByteToWideChar(CP_UTF8, 0, utf8Name.c_str(), -1, name, MAX_PATH), 0);
-  std::wstring path = std::wstring(folder) + L"\\" + name;
-  FILE *file = _wfopen(path.c_str(), L"wb");
-#else
-  FILE *file = std::fopen((linux_ + "/" + utf8Name).c_str(), "wb");
-#endif
-  ASSERT_NE(file, nullptr) << utf8Name;
-  std::fclose(file);
+  std::ofstream file(native_ / fs::u8path(utf8Name));
+  EXPECT_TRUE(file.is_open()) << utf8Name;
 }
 
 std::vector<std::string> ListNames(const std::string &pattern) {

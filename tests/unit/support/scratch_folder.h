@@ -3,6 +3,7 @@
 // helpers that those tests share.
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -24,7 +25,7 @@ class ScratchFolder {
   std::string operator/(const std::string &name) const { return path_ + "\\" + name; }
 #ifndef _WIN32
   // The folder as Linux names it.
-  const std::string &LinuxPath() const { return linux_; }
+  std::string LinuxPath() const { return native_.string(); }
 #endif
 
   // Makes a file (CreateFileA, WriteFile) or a folder (CreateDirectoryA) by a relative name and gives its path; fails
@@ -36,8 +37,8 @@ class ScratchFolder {
   void MakeFileNamedInUtf8(const std::string &utf8Name) const;
 
  private:
-  void Create();
-  std::string path_, linux_;
+  std::string path_;
+  std::filesystem::path native_;  // the folder as the C++ library names it
   char saved_[MAX_PATH] = "";
 };
 
