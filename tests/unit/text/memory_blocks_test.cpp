@@ -41,17 +41,15 @@ TEST_F(MemoryBlocks, BacksOffBy255ThenByOne) {
   }
 }
 
-TEST_F(MemoryBlocks, NothingToBeHad) {
+TEST_F(MemoryBlocks, NothingToBeHadNullSlotAndSizeZero) {
   TestSetAllocationLimit(0);
   HGLOBAL handle = nullptr;
   DWORD granted = 77;
   EXPECT_EQ(AcquireBlock(&handle, nullptr, 300, &granted), nullptr);
   EXPECT_EQ(granted, 0u);
   EXPECT_EQ(handle, nullptr);
-}
+  TestSetAllocationLimit(kNoAllocationLimit);
 
-TEST_F(MemoryBlocks, NullSlotAndSizeZero) {
-  DWORD granted = 0;
   EXPECT_EQ(AcquireBlock(nullptr, nullptr, 100, &granted), nullptr);
   EXPECT_EQ(granted, 100u);
 
@@ -62,7 +60,6 @@ TEST_F(MemoryBlocks, NullSlotAndSizeZero) {
   EXPECT_EQ(none, nullptr);
 
   // Size 0 on an existing unlocked block relocks it, as it stands.
-  HGLOBAL handle = nullptr;
   char *p = AcquireBlock(&handle, nullptr, 16, nullptr);
   ASSERT_NE(p, nullptr);
   p[0] = 'x';
