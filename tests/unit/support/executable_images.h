@@ -31,16 +31,31 @@ inline std::string StubImage() {
   return bytes;
 }
 
-// A PE image of the given subsystem (2 windowed, 3 console) and subsystem version: the signature and the fields of the
-// optional header that tell the kind (a reader needs no more, and runs nothing).
+// A PE32 image with no sections, of the given subsystem (2 windowed, 3 console) and subsystem version. Wine answers 0
+// for an image whose optional header is incomplete, so this one is complete.
 inline std::string PortableImage(unsigned subsystem, unsigned major = 4, unsigned minor = 0) {
   std::string bytes = StubImage();
   const size_t pe = 0x80, optional = pe + 24;
   bytes.replace(pe, 4, std::string("PE\0\0", 4));
-  Put16(&bytes, optional, 0x10B);  // PE32
-  Put16(&bytes, optional + 48, major);
+  Put16(&bytes, pe + 4, 0x14C);     // i386
+  Put16(&bytes, pe + 20, 0xE0);     // size of the optional header
+  Put16(&bytes, pe + 22, 0x0103);   // executable, no relocations, 32-bit
+  Put16(&bytes, optional, 0x10B);   // PE32
+  Put32(&bytes, optional + 16, 0);  // entry point
+  Put32(&bytes, optional + 28, 0x400000);
+  Put32(&bytes, optional + 32, 0x1000);  // section alignment
+  Put32(&bytes, optional + 36, 0x200);   // file alignment
+  Put16(&bytes, optional + 40, 4);       // operating system version
+  Put16(&bytes, optional + 48, major);   // subsystem version
   Put16(&bytes, optional + 50, minor);
+  Put32(&bytes, optional + 56, 0x1000);  // size of image
+  Put32(&bytes, optional + 60, 0x400);   // size of headers
   Put16(&bytes, optional + 68, subsystem);
+  Put32(&bytes, optional + 72, 0x100000);
+  Put32(&bytes, optional + 76, 0x1000);
+  Put32(&bytes, optional + 80, 0x100000);
+  Put32(&bytes, optional + 84, 0x1000);
+  Put32(&bytes, optional + 92, 16);  // data directories
   return bytes;
 }
 
