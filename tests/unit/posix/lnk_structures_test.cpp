@@ -383,6 +383,8 @@ std::vector<uint8_t> Join(std::initializer_list<std::vector<uint8_t>> parts) {
 
 const std::vector<uint8_t> kTerminal = {0, 0, 0, 0};
 
+// The special and known folder blocks and a tracker block stand between the two that carry a target or icon: the reader
+// steps over them (their contents are used by nothing here).
 TEST(LnkExtraData, ReadsTheBlocksThatCarryATargetOrIcon) {
   std::vector<uint8_t> special = {0x10, 0, 0, 0, 0x05, 0, 0, 0xA0, 0x25, 0, 0, 0, 0xD1, 0, 0, 0};
   std::vector<uint8_t> known = {0x1C, 0,    0,    0,    0x0B, 0,    0,    0xA0, 0x3A, 0xCC, 0xBF, 0xB4, 0x2C, 0xDB,
@@ -403,12 +405,7 @@ TEST(LnkExtraData, ReadsTheBlocksThatCarryATargetOrIcon) {
   EXPECT_TRUE(extra.hasIconEnvironment);
   EXPECT_EQ(Utf8(extra.iconEnvironmentTarget), "%SystemRoot%\\i.dll");  // no Unicode copy: the ANSI one
   EXPECT_TRUE(extra.hasSpecialFolder);
-  EXPECT_EQ(extra.specialFolderId, 0x25u);  // CSIDL_SYSTEM
-  EXPECT_EQ(extra.specialFolderOffset, 0xD1u);
   EXPECT_TRUE(extra.hasKnownFolder);
-  EXPECT_EQ(extra.knownFolderId[0], 0x3A);  // {B4BFCC3A-DB2C-424C-B029-7FE99A87C641} Desktop
-  EXPECT_EQ(extra.knownFolderOffset, 0xD1u);
-  EXPECT_EQ(extra.otherSignatures, std::vector<uint32_t>{0xA0000003u});
 }
 
 TEST(LnkExtraData, FlagsDamageAndKeepsTheBlocksBeforeIt) {
