@@ -377,7 +377,7 @@ TEST_F(LinuxDisk, SearchPathLooksInTheWindowsFoldersTheCurrentFolderAndPath) {
   SetLastError(0);
   EXPECT_EQ(SearchPathA(nullptr, "absent.exe", nullptr, sizeof buffer, buffer, nullptr), 0u);
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
-  setenv("windir", "T:\\", 1);  // windir before SystemRoot; a root gets no second backslash
+  setenv("windir", "T:\\", 1);  // windir before SystemRoot, also when it is a root
   DWORD length = SearchPathA(nullptr, "root.exe", nullptr, sizeof buffer, buffer, nullptr);
   EXPECT_EQ(std::string(buffer, length), "T:\\system32\\root.exe");
   unsetenv("SystemRoot");
