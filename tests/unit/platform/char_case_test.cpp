@@ -6,19 +6,9 @@
 #include <string>
 
 #include "platform/winapi.h"
+#include "support/hex_text.h"
 
 namespace {
-
-std::string Hex(const std::string &bytes) {
-  static const char digits[] = "0123456789ABCDEF";
-  std::string out;
-  for (unsigned char c : bytes) {
-    if (!out.empty()) out += ' ';
-    out += digits[c >> 4];
-    out += digits[c & 15];
-  }
-  return out;
-}
 
 TEST(CharCase, FoldsStringsInPlace) {
   struct Row {
