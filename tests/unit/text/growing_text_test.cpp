@@ -56,36 +56,48 @@ class GrowingText : public ::testing::Test {
   }
 };
 
-TEST_F(GrowingText, AppendGivesExactlyOldPlusNewPlusOne) {
+// Both routines leave a block of exactly the text and its NUL, unlocked, whatever block they were given; an append
+// behind either goes on from the text.
+TEST_F(GrowingText, AppendAndStoreSizeTheBlockToTheText) {
   struct Row {
     const char *name;
+    HGLOBAL (*call)(HWND, HGLOBAL, const char *);
     StartKind kind;
-    const char *start;
-    const char *text;
+    const char *start, *text;
     std::string expected;
   } rows[] = {
-      {"no block, empty text: one byte, empty", kNoBlock, "", "", ""},
-      {"no block, null text", kNoBlock, "", nullptr, ""},
-      {"no block", kNoBlock, "", "abc", "abc"},
-      {"stored text", kStored, "abc", "de", "abcde"},
-      {"stored text, nothing added", kStored, "abc", "", "abc"},
-      {"stored text, null added", kStored, "abc", nullptr, "abc"},
-      {"stored empty text", kStored, "", "de", "de"},
-      {"double-byte characters", kStored, "表", "示", "表示"},
-      {"text in a larger block: the block shrinks to the text", kLargeBlock, "abc", "de", "abcde"},
-      {"empty text in a larger block", kLargeBlock, "", "x", "x"},
+      {"append, no block, empty text: one byte, empty", AppendToBlock, kNoBlock, "", "", ""},
+      {"append, no block, null text", AppendToBlock, kNoBlock, "", nullptr, ""},
+      {"append, no block", AppendToBlock, kNoBlock, "", "abc", "abc"},
+      {"append to a stored text", AppendToBlock, kStored, "abc", "de", "abcde"},
+      {"append nothing", AppendToBlock, kStored, "abc", "", "abc"},
+      {"append null", AppendToBlock, kStored, "abc", nullptr, "abc"},
+      {"append to a stored empty text", AppendToBlock, kStored, "", "de", "de"},
+      {"append double-byte characters", AppendToBlock, kStored, "表", "示", "表示"},
+      {"append in a larger block: the block shrinks to the text", AppendToBlock, kLargeBlock, "abc", "de", "abcde"},
+      {"append to an empty text in a larger block", AppendToBlock, kLargeBlock, "", "x", "x"},
+      {"store in a new block", StoreToBlock, kNoBlock, "", "abc", "abc"},
+      {"store null: one NUL", StoreToBlock, kNoBlock, "", nullptr, ""},
+      {"store an empty text", StoreToBlock, kStored, "abc", "", ""},
+      {"store a shorter text: the block shrinks", StoreToBlock, kStored, "abcdef", "ab", "ab"},
+      {"store a longer text: it grows", StoreToBlock, kStored, "ab", "abcdef", "abcdef"},
+      {"store in a larger block: it shrinks", StoreToBlock, kLargeBlock, "xyz", "q", "q"},
   };
   for (const Row &row : rows) {
     size_t live = TestLiveBlockCount();
     HGLOBAL handle = MakeBlock(row.kind, row.start);
     SetKeptLastError(5);
-    HGLOBAL result = AppendToBlock(nullptr, handle, row.text);
+    HGLOBAL result = row.call(nullptr, handle, row.text);
     ASSERT_NE(result, nullptr) << row.name;
     EXPECT_EQ(GlobalSize(result), row.expected.size() + 1) << row.name;
     EXPECT_EQ(BlockBytes(result), WithNul(row.expected)) << row.name;
     EXPECT_TRUE(IsUnlocked(result)) << row.name;
-    EXPECT_EQ(GetKeptLastError(), 0u) << row.name << ": the kept last error is cleared";
-    EXPECT_EQ(TestLiveBlockCount(), live + 1) << row.name << ": the room for the old text is given back";
+    EXPECT_EQ(TestLiveBlockCount(), live + 1) << row.name << ": no block is left behind";
+    if (row.call == AppendToBlock) {
+      EXPECT_EQ(GetKeptLastError(), 0u) << row.name << ": the kept last error is cleared";
+    }
+    result = AppendToBlock(nullptr, result, "+");
+    EXPECT_EQ(BlockBytes(result), WithNul(row.expected + "+")) << row.name;
     GlobalFree(result);
   }
   EXPECT_EQ(TestConsoleOutput(), "") << "no warnings";
@@ -167,34 +179,6 @@ TEST_F(GrowingText, NoRoomForTheOldTextOverwritesItAndWarns) {
     EXPECT_EQ(BlockBytes(result), row.bytes) << row.name;
     EXPECT_EQ(TestConsoleOutput(), kAppendWarning) << row.name;
     EXPECT_TRUE(IsUnlocked(result)) << row.name;
-    GlobalFree(result);
-  }
-}
-
-TEST_F(GrowingText, StoreSizesTheBlockToTheText) {
-  struct Row {
-    const char *name;
-    StartKind kind;
-    const char *start;
-    const char *text;
-    std::string expected;
-  } rows[] = {
-      {"new block", kNoBlock, "", "abc", "abc"},
-      {"null text: one NUL", kNoBlock, "", nullptr, ""},
-      {"empty text", kStored, "abc", "", ""},
-      {"shorter text shrinks the block", kStored, "abcdef", "ab", "ab"},
-      {"longer text grows it", kStored, "ab", "abcdef", "abcdef"},
-      {"a larger block shrinks", kLargeBlock, "xyz", "q", "q"},
-  };
-  for (const Row &row : rows) {
-    HGLOBAL handle = MakeBlock(row.kind, row.start);
-    HGLOBAL result = StoreToBlock(nullptr, handle, row.text);
-    ASSERT_NE(result, nullptr) << row.name;
-    EXPECT_EQ(BlockBytes(result), WithNul(row.expected)) << row.name;
-    EXPECT_TRUE(IsUnlocked(result)) << row.name;
-    // An append behind a store goes on from the stored text.
-    result = AppendToBlock(nullptr, result, "+");
-    EXPECT_EQ(BlockBytes(result), WithNul(row.expected + "+")) << row.name;
     GlobalFree(result);
   }
 }
