@@ -32,8 +32,8 @@ class ScratchFolder {
   // the test if it cannot.
   std::string MakeFile(const std::string &name, const std::string &contents = "") const;
   std::string MakeFolder(const std::string &name) const;
-  // Makes an empty file whose name is given in UTF-8, for names that Shift-JIS cannot hold: with the C library on
-  // Linux and with the wide-character calls on Windows.
+  // Makes an empty file whose name is given in UTF-8, for names that Shift-JIS cannot hold: through the C++ library's
+  // own path, which is wide on Windows.
   void MakeFileNamedInUtf8(const std::string &utf8Name) const;
 
  private:
