@@ -19,6 +19,7 @@ import sys
 import time
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+TIME = "/usr/bin/time"  # GNU time (Debian: time)
 
 
 def parse_args():
@@ -42,18 +43,26 @@ def load():
         return float(f.read().split()[0])
 
 
-def run_timed(command, env=None, stdout=subprocess.DEVNULL):
-    """Runs a command; returns (exit code, wall seconds, user+system seconds, peak RSS in KiB)."""
+def run_timed(command, work, env=None, stdout=subprocess.DEVNULL):
+    """Runs a command; returns (exit code, wall seconds, user+system seconds, peak RSS in KiB).
+
+    The peak comes from GNU time, which execs the command from a small process of its own: the resource usage of a
+    child forked from Python would count Python's own pages, as they stand between the fork and the exec."""
+    report = os.path.join(work, "time.txt")
     start = time.perf_counter()
-    child = subprocess.Popen(command, env=env, stdout=stdout, stderr=subprocess.PIPE)
+    child = subprocess.Popen([TIME, "-q", "-f", "%M", "-o", report] + command, env=env, stdout=stdout,
+                             stderr=subprocess.PIPE)
     _, status, usage = os.wait4(child.pid, 0)
     wall = time.perf_counter() - start
-    child.returncode = os.waitstatus_to_exitcode(status)
+    code = os.waitstatus_to_exitcode(status)
     err = child.stderr.read().decode(errors="replace")
     child.stderr.close()
     if err:
         sys.stderr.write(err)
-    return child.returncode, wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss
+    with open(report) as f:
+        peak = int(f.read().split()[-1])
+    os.remove(report)
+    return code, wall, usage.ru_utime + usage.ru_stime, peak
 
 
 def fresh_copy(tree, work):
@@ -87,7 +96,7 @@ def measure(args, work, tree, count, expected):
         out_path = os.path.join(work, "out.txt")
         with open(out_path, "wb") as out:
             code, wall, cpu, peak = run_timed([os.path.join(args.build, "kelmaro"), "-fdr", "L:\\", "D:\\Apps",
-                                               "E:\\Apps"], env=env, stdout=out)
+                                               "E:\\Apps"], work, env=env, stdout=out)
         with open(out_path, "rb") as out:
             rewritten = out.read().count(b"\n ---> ")
         if code != 1 or rewritten != expected:
@@ -98,7 +107,7 @@ def measure(args, work, tree, count, expected):
         copy = fresh_copy(tree, work)
         with open(out_path, "wb") as out:
             code, wall, cpu, _ = run_timed([os.path.join(args.build, "bench", "lnk_floor"), copy, "D:\\Apps"],
-                                           stdout=out)
+                                           work, stdout=out)
         with open(out_path) as out:
             facts = dict(item.split("=") for item in out.read().split())
         if code != 0 or int(facts["rewritten"]) != expected or int(facts["read"]) != count:
@@ -111,8 +120,13 @@ def measure(args, work, tree, count, expected):
 def main():
     args = parse_args()
     if not args.no_build:
+        # What the machine lacks (GNU time among it) is installed first, as for the README's other commands.
+        subprocess.run([os.path.join(ROOT, "scripts", "setup"), "bench"], check=True)
+        subprocess.run(["cmake", "--preset", "host"], cwd=ROOT, check=True, stdout=subprocess.DEVNULL)
         subprocess.run(["cmake", "--build", "--preset", "host", "--target", "kelmaro", "make_tree", "lnk_floor"],
                        cwd=ROOT, check=True, stdout=subprocess.DEVNULL)
+    if not os.access(TIME, os.X_OK):
+        sys.exit(f"{TIME} is missing (Debian: apt-get install time)")
     work = os.path.abspath(args.work)
     os.makedirs(work, exist_ok=True)
     counts = [int(c) for c in args.counts.split(",")]
