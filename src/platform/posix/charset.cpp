@@ -85,11 +85,22 @@ std::string Convert(const std::string &text, const char *from, const char *to, b
   return out;
 }
 
+// Bytes 0x00 to 0x7F are the same characters in CP932 and in UTF-8 (0x5C is the backslash in both, as the C library's
+// CP932 reads it), so a text of them alone needs no conversion. Nearly every path is such a text, and a run converts
+// each path many times over.
+bool IsAscii(const std::string &text) {
+  for (char c : text)
+    if (static_cast<unsigned char>(c) >= 0x80) return false;
+  return true;
+}
+
 }  // namespace
 
-std::string Cp932ToUtf8(const std::string &text) { return Convert(text, "CP932", "UTF-8"); }
-std::string Utf8ToCp932(const std::string &text) { return Convert(text, "UTF-8", "CP932"); }
-std::string Utf8NameToCp932(const std::string &text) { return Convert(text, "UTF-8", "CP932", true); }
+std::string Cp932ToUtf8(const std::string &text) { return IsAscii(text) ? text : Convert(text, "CP932", "UTF-8"); }
+std::string Utf8ToCp932(const std::string &text) { return IsAscii(text) ? text : Convert(text, "UTF-8", "CP932"); }
+std::string Utf8NameToCp932(const std::string &text) {
+  return IsAscii(text) ? text : Convert(text, "UTF-8", "CP932", true);
+}
 
 std::string Cp932ToLocale(const std::string &text) {
   return LocaleCharset().empty() ? text : Convert(text, "CP932", LocaleCharset().c_str());

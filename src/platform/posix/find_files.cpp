@@ -115,6 +115,17 @@ DWORD ReadFolder(const std::string &linux, bool isRoot, const std::u16string &do
   return 0;
 }
 
+// Gives the first entry of a search and keeps the search under a new handle; ERROR_FILE_NOT_FOUND when it has none.
+HANDLE Opened(OpenSearch *search, WIN32_FIND_DATAA *findData) {
+  if (!GiveNext(search, findData)) {
+    CloseFolder(search);
+    return Fail(ERROR_FILE_NOT_FOUND);
+  }
+  HANDLE handle = NewHandleValue();
+  Searches()[handle] = std::move(*search);
+  return handle;
+}
+
 }  // namespace
 
 HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
@@ -129,6 +140,19 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
   std::u16string mask = full.substr(LastNameStart(full));
   std::u16string folderPath = FolderOf(full);
 
+  OpenSearch search;
+  if (!mask.empty() && !HasWildcard(mask)) {
+    // One entry by its name, as the exact-name walk asks for each name of a path. When it is found, every folder on
+    // its way was found as a folder, so the checks below would all pass: one look-up of the path instead of two.
+    DiskPath entry;
+    if (FindOnDisk(full, &entry) == 0 && entry.exists && !ForcedListingFailure(folderPath, &error)) {
+      search.single = true;
+      search.singleFacts = entry.facts;
+      search.singleName = entry.diskName;
+      return Opened(&search, findData);
+    }
+  }
+
   DiskPath folder;
   error = FindOnDisk(folderPath, &folder);
   if (error != 0) return Fail(error);
@@ -139,7 +163,6 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
   // FindFirstFile("C:\dir\"): the folder is there, but there is no name to look for.
   if (mask.empty()) return Fail(ERROR_FILE_NOT_FOUND);
 
-  OpenSearch search;
   if (!HasWildcard(mask)) {
     DiskPath entry;
     error = FindOnDisk(full, &entry);
@@ -156,13 +179,7 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
     error = ReadFolder(folder.linux, folder.isRoot, DosMask(mask, endedInDot), &search);
     if (error != 0) return Fail(error);
   }
-  if (!GiveNext(&search, findData)) {
-    CloseFolder(&search);
-    return Fail(ERROR_FILE_NOT_FOUND);
-  }
-  HANDLE handle = NewHandleValue();
-  Searches()[handle] = std::move(search);
-  return handle;
+  return Opened(&search, findData);
 }
 
 BOOL FindNextFileA(HANDLE findFile, LPWIN32_FIND_DATAA findData) {

@@ -3,9 +3,13 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/posix/drive_table.h"
@@ -87,25 +91,105 @@ std::string JoinLinux(const std::string &folder, const std::string &name) {
   return folder + "/" + name;
 }
 
-// Looks in a folder for an entry whose name equals `folded` without case. Result: 0 with `*found` set, 0 with it empty
-// when there is none, or the error of reading the folder.
-DWORD FindIgnoringCase(const std::string &folder, const std::u16string &folded, std::string *found) {
-  found->clear();
+// The names of a folder that was read for a look without case, by their folded form, so that the next look in the
+// same folder reads nothing: a run looks up the same few folders (a program's folder, a drive root) for shortcut after
+// shortcut, and reading the whole folder for each look made every such look cost as much as the folder is large.
+struct FolderNames {
+  std::string folder;                                        // its Linux path
+  struct stat stamp;                                         // its facts when it was read
+  std::unordered_map<std::u16string, std::string> byFolded;  // folded name -> the first name in listing order
+  uint64_t lastUse = 0;
+};
+
+// A few folders are enough for the paths of one shortcut (each name of its target, icon and working folder).
+const size_t kFoldersKept = 8;
+// A folder changed this recently is not kept: its time stamps could still be those of a change that comes after the
+// reading, as the file system takes them from a clock that moves in ticks of a few milliseconds.
+const int64_t kSettledNanoseconds = 100 * 1000 * 1000;
+
+std::vector<FolderNames> &KeptFolders() {
+  static std::vector<FolderNames> kept;
+  return kept;
+}
+
+int64_t Nanoseconds(const struct timespec &time) {
+  return static_cast<int64_t>(time.tv_sec) * 1000000000 + time.tv_nsec;
+}
+
+// Whether the folder is still as it was read: an entry made, removed or renamed in it changes its change time and its
+// modification time.
+bool SameStamp(const struct stat &a, const struct stat &b) {
+  return a.st_dev == b.st_dev && a.st_ino == b.st_ino && Nanoseconds(a.st_mtim) == Nanoseconds(b.st_mtim) &&
+         Nanoseconds(a.st_ctim) == Nanoseconds(b.st_ctim);
+}
+
+// Reads a folder's names into `names`. Result: 0, or the error of reading the folder.
+DWORD ReadFolderNames(const std::string &folder, FolderNames *names) {
   CountFolderRead();
   DIR *dir = opendir(folder.c_str());
   if (!dir) return errno == ENOENT || errno == ENOTDIR ? ERROR_PATH_NOT_FOUND : ErrorFromErrno(errno);
-  std::u16string bestFolded;
   while (struct dirent *entry = readdir(dir)) {
     std::string name = entry->d_name;
     if (name == "." || name == "..") continue;
-    std::u16string key = FoldName(Utf8ToUtf16(name));
-    if (key != folded) continue;
-    if (found->empty() || ListsBefore(key, name, bestFolded, *found)) {
-      *found = name;
-      bestFolded = key;
-    }
+    // Of several names that differ only in case, the first in listing order: for one folded name, by bytes.
+    auto inserted = names->byFolded.emplace(FoldName(Utf8ToUtf16(name)), name);
+    if (!inserted.second && name < inserted.first->second) inserted.first->second = std::move(name);
   }
   closedir(dir);
+  return 0;
+}
+
+// Looks in a folder for an entry whose name equals `folded` without case. Result: 0 with `*found` set, 0 with it empty
+// when there is none, or the error of reading the folder. A folder kept from an earlier look answers when its time
+// stamps show no change since (one stat instead of a reading).
+DWORD FindIgnoringCase(const std::string &folder, const std::u16string &folded, std::string *found) {
+  found->clear();
+  std::vector<FolderNames> &kept = KeptFolders();
+  static uint64_t uses = 0;
+  ++uses;
+  struct timespec now;
+  clock_gettime(CLOCK_REALTIME, &now);
+  struct stat stamp;
+  bool stamped = stat(folder.c_str(), &stamp) == 0;
+  for (auto names = kept.begin(); stamped && names != kept.end(); ++names) {
+    if (names->folder != folder) continue;
+    if (SameStamp(names->stamp, stamp)) {
+      auto hit = names->byFolded.find(folded);
+      if (hit == names->byFolded.end()) {
+        names->lastUse = uses;
+        return 0;
+      }
+      // The name itself is asked for, in case the entry went and came back within one tick of the clock.
+      struct stat entry;
+      if (lstat(JoinLinux(folder, hit->second).c_str(), &entry) == 0) {
+        names->lastUse = uses;
+        *found = hit->second;
+        return 0;
+      }
+    }
+    kept.erase(names);
+    break;
+  }
+
+  FolderNames names;
+  DWORD error = ReadFolderNames(folder, &names);
+  if (error != 0) return error;
+  auto hit = names.byFolded.find(folded);
+  if (hit != names.byFolded.end()) *found = hit->second;
+  bool settled = Nanoseconds(now) - Nanoseconds(stamp.st_mtim) > kSettledNanoseconds &&
+                 Nanoseconds(now) - Nanoseconds(stamp.st_ctim) > kSettledNanoseconds;
+  if (stamped && settled) {
+    names.folder = folder;
+    names.stamp = stamp;
+    names.lastUse = uses;
+    if (kept.size() == kFoldersKept) {
+      auto oldest = kept.begin();
+      for (auto k = kept.begin(); k != kept.end(); ++k)
+        if (k->lastUse < oldest->lastUse) oldest = k;
+      kept.erase(oldest);
+    }
+    kept.push_back(std::move(names));
+  }
   return 0;
 }
 

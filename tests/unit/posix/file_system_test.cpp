@@ -13,6 +13,7 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -102,8 +103,60 @@ TEST_F(LinuxDisk, NamesSpelledAsOnDiskCostNoFolderReads) {
   EXPECT_EQ(TestFolderReads(), before);
   EXPECT_EQ(GetFileAttributesA("T:\\one\\Two\\F.LNK"), FILE_ATTRIBUTE_ARCHIVE);
   EXPECT_EQ(TestFolderReads(), before + 2);  // "one" and "F.LNK" were looked for
-  EXPECT_EQ(ListNames("T:\\One\\Two\\*"), (Names{".", "..", "f.lnk"}));
+  EXPECT_EQ(ListNames("T:\\\\One\\\\Two\\\\*"), (Names{".", "..", "f.lnk"}));
   EXPECT_EQ(TestFolderReads(), before + 3);  // a listing reads its folder once
+}
+
+// A folder read for a look without case is kept while its time stamps show no change, so that shortcut after
+// shortcut with the same target in another case reads nothing; each change below must be seen at once.
+TEST_F(LinuxDisk, AFolderReadForALookWithoutCaseIsKeptUntilItChanges) {
+  MakeFolder("Apps");
+  MakeFolder("Apps/Prog");
+  Touch("Apps/Prog/Prog.exe");
+  Touch("Apps/Prog/Gone.exe");
+  // A folder changed within the last moments is read anew for every look (its stamps could still match a change
+  // made after the reading); these have settled.
+  struct timespec pause = {0, 250 * 1000 * 1000};
+  nanosleep(&pause, nullptr);
+  size_t before = TestFolderReads();
+  EXPECT_EQ(GetFileAttributesA("T:\\APPS\\PROG\\PROG.EXE"), FILE_ATTRIBUTE_ARCHIVE);
+  EXPECT_EQ(TestFolderReads(), before + 3);  // the root, Apps and Prog
+  EXPECT_STREQ(FindFirst("T:\\apps\\prog\\prog.EXE").data.cFileName, "Prog.exe");
+  EXPECT_EQ(ErrorOf(GetFileAttributesA("T:\\APPS\\PROG\\NEW.EXE")), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+  EXPECT_EQ(TestFolderReads(), before + 3);
+
+  struct Change {
+    const char *what;
+    std::function<void()> make;
+    const char *lookFor;
+    const char *found;  // null: not found
+  };
+  const Change changes[] = {
+      {"a new entry", [&] { Touch("Apps/Prog/new.exe"); }, "T:\\APPS\\PROG\\NEW.EXE", "new.exe"},
+      {"a name in another case that lists first", [&] { Touch("Apps/Prog/PROG.exe"); }, "T:\\apps\\PROG\\prog.exe",
+       "PROG.exe"},
+      {"a removed entry", [&] { ASSERT_EQ(unlink(Linux("Apps/Prog/Gone.exe").c_str()), 0); },
+       "T:\\APPS\\PROG\\GONE.EXE", nullptr},
+      {"a renamed entry",
+       [&] { ASSERT_EQ(rename(Linux("Apps/Prog/new.exe").c_str(), Linux("Apps/Prog/Newer.exe").c_str()), 0); },
+       "T:\\APPS\\PROG\\NEWER.EXE", "Newer.exe"},
+      {"a folder replaced by another of the same name",
+       [&] {
+         ASSERT_EQ(rename(Linux("Apps/Prog").c_str(), Linux("Apps/Old").c_str()), 0);
+         MakeFolder("Apps/Prog");
+         Touch("Apps/Prog/Other.exe");
+       },
+       "T:\\APPS\\PROG\\PROG.EXE", nullptr},
+  };
+  for (const Change &change : changes) {
+    SCOPED_TRACE(change.what);
+    change.make();
+    FirstFound found = FindFirst(change.lookFor);
+    EXPECT_EQ(found.found, change.found != nullptr);
+    if (change.found != nullptr && found.found) {
+      EXPECT_STREQ(found.data.cFileName, change.found);
+    }
+  }
 }
 
 // Follows links into a folder for as long as FindFirstFileA lists it, as a walk that enters every folder would.

@@ -7,9 +7,33 @@
 
 #include <string>
 
+#include "platform/posix/charset.h"
+
 namespace {
 
 std::string Utf8(const std::u16string &text) { return Utf16ToUtf8(text); }
+
+// Texts of bytes below 0x80 pass without a conversion, so these pin that the shortcut is the same as the conversion:
+// every such byte is the same character in both charsets, and one byte above makes the whole text converted.
+TEST(PathNames, AsciiIsTheSameInShiftJisAndUtf8) {
+  std::string ascii;
+  for (int c = 1; c < 0x80; ++c) ascii.push_back(static_cast<char>(c));
+  EXPECT_EQ(Cp932ToUtf8(ascii), ascii);
+  EXPECT_EQ(Utf8ToCp932(ascii), ascii);
+  EXPECT_EQ(Utf8NameToCp932(ascii), ascii);
+  struct Row {
+    std::string cp932, utf8;
+  } rows[] = {
+      {"C:\\x\x95\x5C\\y", "C:\\x\xE8\xA1\xA8\\y"},  // 表 with its trail byte 0x5C
+      {"a\x82\xA0", "a\xE3\x81\x82"},                // あ at the end
+      {std::string("\0\x82\xA0", 3), std::string("\0\xE3\x81\x82", 4)},
+  };
+  for (const Row &row : rows) {
+    EXPECT_EQ(Cp932ToUtf8(row.cp932), row.utf8) << row.cp932;
+    EXPECT_EQ(Utf8ToCp932(row.utf8), row.cp932) << row.cp932;
+  }
+  EXPECT_EQ(Utf8NameToCp932(u8"a\U0001F600"), "a??");
+}
 
 TEST(PathNames, DiskNamesReadAsAWindowsListingShowsThem) {
   struct Row {
