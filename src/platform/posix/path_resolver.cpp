@@ -159,7 +159,8 @@ DWORD FindIgnoringCase(const std::string &folder, const std::u16string &folded, 
         names->lastUse = uses;
         return 0;
       }
-      // The name itself is asked for, in case the entry went and came back within one tick of the clock.
+      // The name itself is asked for as well: a folder whose times were set back, or a clock that went back, must not
+      // make a kept name give an entry that is gone.
       struct stat entry;
       if (lstat(JoinLinux(folder, hit->second).c_str(), &entry) == 0) {
         names->lastUse = uses;
