@@ -15,6 +15,7 @@
 
 #include "platform/posix/charset.h"
 #include "platform/posix/drive_table.h"
+#include "platform/posix/path_resolver.h"
 #include "platform/winapi.h"
 
 extern char **environ;
@@ -71,13 +72,26 @@ bool WriteAll(int fd, const std::vector<uint8_t> &bytes) {
   return true;
 }
 
+// The Linux path of a drive path, each name found without case as Windows finds it (a name that is not there is
+// taken as written, so that a new file can be made). Without this, a target typed in another case than the disk's
+// would read as missing, its shortcut would be saved with no target facts, and the engine would then take that
+// shortcut for unreadable. Result: false for a path on no mapped drive.
+bool LinuxPathOf(const std::string &drivePath, std::string *linuxPath) {
+  DiskPath found;
+  if (FindProgramPath(drivePath.c_str(), &found) == 0 && !found.linux.empty()) {
+    *linuxPath = found.linux;
+    return true;
+  }
+  return DrivePathToLinuxPath(drivePath, linuxPath);
+}
+
 }  // namespace
 
 FileFacts QueryFileFacts(const std::string &drivePath) {
   FileFacts facts;
   std::string linuxPath;
   struct stat info;
-  if (!DrivePathToLinuxPath(drivePath, &linuxPath) || stat(linuxPath.c_str(), &info) != 0) return facts;
+  if (!LinuxPathOf(drivePath, &linuxPath) || stat(linuxPath.c_str(), &info) != 0) return facts;
   facts.exists = true;
   facts.isFolder = S_ISDIR(info.st_mode);
   facts.attributes = facts.isFolder ? 0x10 : 0x20;
@@ -95,7 +109,7 @@ FileFacts QueryFileFacts(const std::string &drivePath) {
 
 uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vector<uint8_t> *bytes) {
   std::string linuxPath;
-  if (!DrivePathToLinuxPath(drivePath, &linuxPath)) return ERROR_PATH_NOT_FOUND;
+  if (!LinuxPathOf(drivePath, &linuxPath)) return ERROR_PATH_NOT_FOUND;
   int fd = open(linuxPath.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) {
     int error = errno;
@@ -137,7 +151,7 @@ uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vecto
 
 uint32_t ReplaceShortcutFile(const std::string &drivePath, const std::vector<uint8_t> &bytes) {
   std::string linuxPath;
-  if (!DrivePathToLinuxPath(drivePath, &linuxPath)) return ERROR_PATH_NOT_FOUND;
+  if (!LinuxPathOf(drivePath, &linuxPath)) return ERROR_PATH_NOT_FOUND;
   // A shortcut that is a symbolic link stays one: the file it points to is the one replaced. For any other the facts
   // of the link are those of the file, and one call gives both.
   struct stat old;

@@ -1,6 +1,6 @@
 // Everything the shell link object asks of the machine: reading and replacing a shortcut file, the facts of a target
-// on disk, the local time zone and the environment. Kept in one place so that it can go through the backend's file
-// system (case-blind names and the rest) once that exists. Private to the Linux backend.
+// on disk, the local time zone and the environment. Paths go through the backend's path resolver, so that names are
+// found without case as Windows finds them. Private to the Linux backend.
 #pragma once
 
 #include <cstdint>

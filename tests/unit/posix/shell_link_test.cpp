@@ -198,6 +198,8 @@ TEST(ShellLinkObject, TheHeaderDescribesTheTarget) {
   } rows[] = {
       {"T:\\file.txt", 0x20, 10},
       {"T:\\dir", 0x10, 0},
+      {"T:\\FILE.TXT", 0x20, 10},  // names are found without case, as Windows finds them
+      {"T:\\Dir", 0x10, 0},
       {"T:\\.hidden", 0x22, 0},
       {"T:\\locked.txt", 0x21, 0},
       {"T:\\missing.txt", 0, 0},  // as Windows: a target that is not there leaves the
