@@ -73,6 +73,7 @@ bool TooManyLinksOnTheWay(const char *path) {
 void TakeFacts(const struct statx &info, EntryFacts *facts) {
   facts->isDirectory = S_ISDIR(info.stx_mode);
   facts->readOnly = ReadOnly(info);
+  facts->mode = info.stx_mode & 07777;
   facts->size = facts->isDirectory ? 0 : info.stx_size;
   facts->accessTime = Ticks(info.stx_atime);
   facts->writeTime = Ticks(info.stx_mtime);

@@ -9,6 +9,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -23,12 +24,6 @@ extern char **environ;
 namespace {
 
 const uint64_t kUnixEpochAsFileTime = 116444736000000000ULL;  // 1970-01-01 in 100 ns since 1601-01-01
-
-uint64_t ToFileTime(const struct timespec &time) {
-  if (time.tv_sec < 0) return 0;
-  return kUnixEpochAsFileTime + static_cast<uint64_t>(time.tv_sec) * 10000000ULL +
-         static_cast<uint64_t>(time.tv_nsec) / 100;
-}
 
 uint32_t ErrorFromErrno(int error, uint32_t otherwise) {
   switch (error) {
@@ -85,31 +80,61 @@ bool LinuxPathOf(const std::string &drivePath, std::string *linuxPath) {
   return DrivePathToLinuxPath(drivePath, linuxPath);
 }
 
+// The process's file mode mask. Nothing in the program changes it, so it is asked once (asking takes two calls).
+mode_t ProcessUmask() {
+  static const mode_t mask = [] {
+    mode_t current = umask(0);
+    umask(current);
+    return current;
+  }();
+  return mask;
+}
+
+// Makes a new file beside the one being replaced, named after it with a leading dot (hidden on both systems) and a
+// number, and opened for writing with `mode` (less the mask). Result: the descriptor, or -1 with errno set.
+int MakeTemporary(const std::string &folder, const std::string &name, mode_t mode, std::string *temporary) {
+  static const unsigned process = static_cast<unsigned>(getpid());
+  static unsigned counter = 0;
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    char suffix[32];
+    std::snprintf(suffix, sizeof suffix, ".%x-%x", process, counter++);
+    *temporary = folder + "/." + name + suffix;
+    int fd = open(temporary->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode & 0777);
+    // A name left by an earlier run that was stopped in the middle of a save: the next number.
+    if (fd >= 0 || errno != EEXIST) return fd;
+  }
+  errno = EEXIST;
+  return -1;
+}
+
 }  // namespace
 
 FileFacts QueryFileFacts(const std::string &drivePath) {
   FileFacts facts;
-  std::string linuxPath;
-  struct stat info;
-  if (!LinuxPathOf(drivePath, &linuxPath) || stat(linuxPath.c_str(), &info) != 0) return facts;
+  // The resolver has read the entry's facts on its way (following a symbolic link, as stat does): asking again would
+  // cost two more calls for every name of every target the writer records.
+  DiskPath found;
+  if (FindProgramPath(drivePath.c_str(), &found) != 0 || !found.exists || found.facts.dangling) return facts;
+  const EntryFacts &entry = found.facts;
   facts.exists = true;
-  facts.isFolder = S_ISDIR(info.st_mode);
+  facts.isFolder = found.isRoot || entry.isDirectory;
   facts.attributes = facts.isFolder ? 0x10 : 0x20;
-  if (!facts.isFolder && IsReadOnly(linuxPath, info)) facts.attributes |= 0x01;
-  std::string folder, name;
-  SplitLinuxPath(linuxPath, &folder, &name);
-  if (!name.empty() && name[0] == '.') facts.attributes |= 0x02;
-  facts.size = facts.isFolder ? 0 : static_cast<uint64_t>(info.st_size);
-  // Linux keeps no creation time in stat; the last change of the contents stands in for it.
-  facts.writeTime = ToFileTime(info.st_mtim);
-  facts.accessTime = ToFileTime(info.st_atim);
-  facts.creationTime = facts.writeTime;
+  if (!facts.isFolder && entry.readOnly) facts.attributes |= 0x01;
+  if (!found.diskName.empty() && found.diskName[0] == '.') facts.attributes |= 0x02;
+  facts.size = facts.isFolder ? 0 : entry.size;
+  facts.writeTime = entry.writeTime;
+  facts.accessTime = entry.accessTime;
+  facts.creationTime = entry.creationTime;
   return facts;
 }
 
 uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vector<uint8_t> *bytes) {
   std::string linuxPath;
   if (!LinuxPathOf(drivePath, &linuxPath)) return ERROR_PATH_NOT_FOUND;
+  return ReadLinuxFile(linuxPath, limit, bytes);
+}
+
+uint32_t ReadLinuxFile(const std::string &linuxPath, size_t limit, std::vector<uint8_t> *bytes) {
   int fd = open(linuxPath.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) {
     int error = errno;
@@ -128,76 +153,96 @@ uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vecto
   } else if (static_cast<uint64_t>(info.st_size) > limit) {
     result = ERROR_NOT_ENOUGH_MEMORY;
   } else {
-    bytes->clear();
-    uint8_t buffer[8192];
+    // Room for the size that fstat gave and one byte more: a read that does not fill it has met the end of the file,
+    // so a shortcut takes one read. A file that grew meanwhile is read on, up to the limit.
+    size_t room = static_cast<size_t>(info.st_size) + 1;
+    size_t done = 0;
+    bytes->resize(room);
     for (;;) {
-      ssize_t got = read(fd, buffer, sizeof buffer);
+      ssize_t got = read(fd, bytes->data() + done, room - done);
       if (got < 0 && errno == EINTR) continue;
       if (got < 0) {
         result = ERROR_READ_FAULT;
         break;
       }
-      if (got == 0) break;
-      bytes->insert(bytes->end(), buffer, buffer + got);
-      if (bytes->size() > limit) {
+      done += static_cast<size_t>(got);
+      if (done > limit) {
         result = ERROR_NOT_ENOUGH_MEMORY;
         break;
       }
+      if (got == 0 || done < room) break;
+      room = std::min(room * 2, limit + 1);
+      bytes->resize(room);
     }
+    bytes->resize(result == ERROR_SUCCESS ? done : 0);
   }
   close(fd);
   return result;
 }
 
 uint32_t ReplaceShortcutFile(const std::string &drivePath, const std::vector<uint8_t> &bytes) {
+  // The facts of the old file come from the resolver, which read them on its way to the name. A shortcut that is a
+  // symbolic link stays one: the file it points to is the one replaced. A path the resolver cannot take is asked of
+  // the file system as written.
+  DiskPath found;
   std::string linuxPath;
-  if (!LinuxPathOf(drivePath, &linuxPath)) return ERROR_PATH_NOT_FOUND;
-  // A shortcut that is a symbolic link stays one: the file it points to is the one replaced. For any other the facts
-  // of the link are those of the file, and one call gives both.
-  struct stat old;
-  bool there = lstat(linuxPath.c_str(), &old) == 0;
-  if (there && S_ISLNK(old.st_mode)) {
-    char *resolved = realpath(linuxPath.c_str(), nullptr);
-    if (resolved != nullptr) {
-      linuxPath = resolved;
-      free(resolved);
+  bool there = false, isFolder = false, readOnly = false;
+  mode_t mode = 0;
+  bool resolved = FindProgramPath(drivePath.c_str(), &found) == 0 && !found.linux.empty();
+  if (resolved) {
+    linuxPath = found.linux;
+  } else if (!DrivePathToLinuxPath(drivePath, &linuxPath)) {
+    return ERROR_PATH_NOT_FOUND;
+  }
+  if (resolved && found.exists && !found.facts.isLink) {
+    there = true;
+    isFolder = found.isRoot || found.facts.isDirectory;
+    readOnly = found.facts.readOnly;
+    mode = found.facts.mode;
+  } else if (!resolved || found.exists) {
+    struct stat old;
+    there = lstat(linuxPath.c_str(), &old) == 0;
+    if (there && S_ISLNK(old.st_mode)) {
+      char *real = realpath(linuxPath.c_str(), nullptr);
+      if (real != nullptr) {
+        linuxPath = real;
+        free(real);
+      }
+      there = stat(linuxPath.c_str(), &old) == 0;
     }
-    there = stat(linuxPath.c_str(), &old) == 0;
+    if (there) {
+      isFolder = S_ISDIR(old.st_mode);
+      readOnly = IsReadOnly(linuxPath, old);
+      mode = old.st_mode & 07777;
+    }
   }
   std::string folder, name;
   SplitLinuxPath(linuxPath, &folder, &name);
   if (name.empty()) return ERROR_PATH_NOT_FOUND;
-  mode_t mode = 0666;
-  if (there) {
-    // Windows opens the old file for writing, which a read-only file or a folder refuses; a rename would not.
-    if (S_ISDIR(old.st_mode) || IsReadOnly(linuxPath, old)) return ERROR_ACCESS_DENIED;
-    mode = old.st_mode & 07777;
-  } else {
-    mode_t mask = umask(0);
-    umask(mask);
-    mode &= ~mask;
-  }
-  std::string temporary = folder + "/." + name + ".XXXXXX";
-  std::vector<char> pattern(temporary.begin(), temporary.end());
-  pattern.push_back(0);
-  int fd = mkstemp(pattern.data());
+  // Windows opens the old file for writing, which a read-only file or a folder refuses; a rename would not.
+  if (there && (isFolder || readOnly)) return ERROR_ACCESS_DENIED;
+  if (!there) mode = 0666 & ~ProcessUmask();
+  std::string temporary;
+  int fd = MakeTemporary(folder, name, mode, &temporary);
   if (fd < 0) return ErrorFromErrno(errno, ERROR_WRITE_FAULT);
   // The new file is not synced before the rename. The rename alone keeps a failed save from harming the old shortcut,
   // while waiting for the disk on every save (fsync) cost up to 7 ms a shortcut, more than all the rest of its repair
   // (bench/README.md). Across a crash of the machine, ext4 with its default auto_da_alloc writes the data of a file
   // renamed over another before the rename is committed.
-  bool ok = WriteAll(fd, bytes) && fchmod(fd, mode) == 0;
+  bool ok = WriteAll(fd, bytes);
+  // The mask took bits from the mode the file was made with, or the mode has bits beyond the permissions.
+  if (ok && (mode & (ProcessUmask() | ~0777u)) != 0) ok = fchmod(fd, mode) == 0;
   int error = ok ? 0 : errno;
   if (close(fd) != 0 && ok) {
     ok = false;
     error = errno;
   }
-  if (ok && rename(pattern.data(), linuxPath.c_str()) != 0) {
+  if (ok && rename(temporary.c_str(), linuxPath.c_str()) != 0) {
     ok = false;
     error = errno;
   }
   if (!ok) {
-    unlink(pattern.data());
+    unlink(temporary.c_str());
     return ErrorFromErrno(error, ERROR_WRITE_FAULT);
   }
   return ERROR_SUCCESS;

@@ -25,9 +25,11 @@ FileFacts QueryFileFacts(const std::string &drivePath);
 // not on a mapped drive; ERROR_FILE_NOT_FOUND; ERROR_ACCESS_DENIED (also for a folder); ERROR_NOT_ENOUGH_MEMORY for a
 // file larger than `limit`; ERROR_READ_FAULT for any other failure.
 uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vector<uint8_t> *bytes);
+// The same for a file already found on disk, by its Linux path.
+uint32_t ReadLinuxFile(const std::string &linuxPath, size_t limit, std::vector<uint8_t> *bytes);
 
-// Puts `bytes` in place of the file at `drivePath`: written to a new file in the same folder, flushed, then renamed
-// over the old one, so that the old file stays whole if anything fails. A read-only file (see FileFacts), or a folder,
+// Puts `bytes` in place of the file at `drivePath`: written to a new file in the same folder, then renamed over the
+// old one, so that the old file stays whole if anything fails. A read-only file (see FileFacts), or a folder,
 // is refused as Windows refuses to open it for writing. The new file keeps the old one's permissions; a symbolic link
 // stays in place and the file it names is replaced (a second hard link keeps the old contents). Result:
 // ERROR_SUCCESS, ERROR_PATH_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_DISK_FULL or ERROR_WRITE_FAULT.

@@ -86,7 +86,7 @@ DWORD_PTR IconLocation(LPCSTR path, SHFILEINFOA *info) {
   if (!EndsInExtension(path, "lnk")) return 1;
   std::vector<uint8_t> bytes;
   ShellLinkRecord record;
-  if (ReadShortcutFile(path, 16u << 20, &bytes) != 0 ||
+  if (ReadLinuxFile(found.linux, 16u << 20, &bytes) != 0 ||
       ParseShellLink(ByteSpan{bytes.data(), bytes.size()}, &record) != LnkError::kNone)
     return 0;
   EnvironmentLookup lookup = [](const std::u16string &name, std::u16string *value) {

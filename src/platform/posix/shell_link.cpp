@@ -263,9 +263,18 @@ class ShellLink final : public IShellLinkA, public IPersistFile {
     if (IsDrivePath(path)) {
       // One entry of facts per name, in the order BuildIdListForPath takes the names.
       std::vector<PathItemFacts> items;
+      FileFacts target;  // the last name's, which the header records as well
+      bool targetRead = false;
       for (size_t start = 3; start <= path.size();) {
         size_t stop = std::min(path.find(u'\\', start), path.size());
-        if (stop > start) items.push_back(ItemFacts(QueryFileFacts(Cp932FromUtf16(path.substr(0, stop)))));
+        if (stop > start) {
+          FileFacts facts = QueryFileFacts(Cp932FromUtf16(path.substr(0, stop)));
+          items.push_back(ItemFacts(facts));
+          if (stop == path.size()) {
+            target = facts;
+            targetRead = true;
+          }
+        }
         start = stop + 1;
       }
       r.hasIdList = BuildIdListForPath(path, items, &r.idList);
@@ -276,7 +285,7 @@ class ShellLink final : public IShellLinkA, public IPersistFile {
         r.linkInfo.driveType = kDriveFixed;
         r.linkInfo.localBasePath = path;
       }
-      SetFileTimes(&r.header, QueryFileFacts(Cp932FromUtf16(path)));
+      SetFileTimes(&r.header, targetRead ? target : QueryFileFacts(Cp932FromUtf16(path)));
     } else if (IsUncPath(path)) {
       size_t server = path.find(u'\\', 2);
       size_t share = server == std::u16string::npos ? server : path.find(u'\\', server + 1);
