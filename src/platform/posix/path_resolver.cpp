@@ -38,21 +38,27 @@ bool IsBadNameUnit(char16_t c) {
 
 // Resolves "." and ".." among the names behind a root and trims dots the way Windows does: a name followed by "\"
 // loses one trailing dot ("a.\b" is "a\b"), and the path loses all trailing dots and spaces unless it ends in "\".
+// The names go straight into the result (every path of a run passes here, most of them several times).
 std::u16string Normalise(const std::u16string &root, const std::u16string &rest) {
-  std::vector<std::u16string> names;
+  std::u16string full;
+  full.reserve(root.size() + rest.size());
+  full = root;
+  size_t names = 0;
   size_t i = 0;
   bool endsInSeparator = false;
   while (i < rest.size()) {
-    size_t end = i;
-    while (end < rest.size() && rest[end] != u'\\') ++end;
-    std::u16string name = rest.substr(i, end - i);
+    size_t end = rest.find(u'\\', i);
+    if (end == std::u16string::npos) end = rest.size();
+    size_t length = end - i;
     bool followed = end < rest.size();
-    if (name == u".") {
-    } else if (name == u"..") {
-      if (!names.empty()) names.pop_back();
-    } else if (!name.empty()) {
-      if (followed && name.back() == u'.') name.pop_back();
-      names.push_back(name);
+    if (length == 1 && rest[i] == u'.') {
+    } else if (length == 2 && rest[i] == u'.' && rest[i + 1] == u'.') {
+      // Back over the last name and the separator in front of it; the first name has none.
+      if (names > 0) full.resize(--names == 0 ? root.size() : full.rfind(u'\\'));
+    } else if (length > 0) {
+      if (followed && rest[end - 1] == u'.') --length;
+      if (names++ > 0) full += u'\\';
+      full.append(rest, i, length);
     }
     if (followed) {
       endsInSeparator = true;
@@ -64,12 +70,7 @@ std::u16string Normalise(const std::u16string &root, const std::u16string &rest)
       i = end;
     }
   }
-  std::u16string full = root;
-  for (size_t k = 0; k < names.size(); ++k) {
-    if (k > 0) full += u'\\';
-    full += names[k];
-  }
-  if (endsInSeparator && !names.empty()) {
+  if (endsInSeparator && names > 0) {
     full += u'\\';
   } else {
     size_t keep = full.size();
@@ -285,20 +286,17 @@ DWORD FindOnDisk(const std::u16string &full, DiskPath *path) {
   std::string root = DriveRootOf(full[0]);
   if (root.empty()) return ERROR_PATH_NOT_FOUND;
 
-  std::vector<std::string> names;
-  size_t i = 3;
-  while (i < full.size()) {
-    size_t end = full.find(u'\\', i);
-    if (end == std::u16string::npos) end = full.size();
-    std::u16string name = full.substr(i, end - i);
-    for (char16_t c : name)
-      if (IsBadNameUnit(c)) return ERROR_INVALID_NAME;
-    if (!name.empty()) names.push_back(Utf16ToUtf8(name));
-    if (end == full.size() - 1) path->endsInSeparator = true;
-    i = end + 1;
+  // The names behind the root are checked, and joined as written into the Linux path, without splitting the path
+  // into a list of names: nearly every path is found as written, and each costs only this and one call.
+  bool hasNames = false;
+  for (size_t i = 3; i < full.size(); ++i) {
+    if (full[i] == u'\\') continue;
+    if (IsBadNameUnit(full[i])) return ERROR_INVALID_NAME;
+    hasNames = true;
   }
+  path->endsInSeparator = full.size() > 3 && full.back() == u'\\';
 
-  if (names.empty()) {
+  if (!hasNames) {
     path->isRoot = true;
     path->linux = root;
     int error = ReadEntryFacts(AT_FDCWD, root.c_str(), &path->facts);
@@ -308,17 +306,37 @@ DWORD FindOnDisk(const std::u16string &full, DiskPath *path) {
   }
 
   // Every name as written: one call.
-  std::string linux = root;
-  for (const std::string &name : names) linux = JoinLinux(linux, name);
+  std::string rest = Utf16ToUtf8(full.substr(3));
+  std::string linux;
+  linux.reserve(root.size() + rest.size() + 1);
+  linux = root;
+  size_t lastName = 0;
+  for (size_t i = 0; i < rest.size();) {
+    size_t end = rest.find('\\', i);
+    if (end == std::string::npos) end = rest.size();
+    if (end > i) {
+      if (linux.back() != '/') linux += '/';
+      lastName = linux.size();
+      linux.append(rest, i, end - i);
+    }
+    i = end + 1;
+  }
   int error = ReadEntryFacts(AT_FDCWD, linux.c_str(), &path->facts);
   if (error == 0) {
-    path->linux = linux;
-    path->diskName = names.back();
+    path->linux = std::move(linux);
+    path->diskName = path->linux.substr(lastName);
     path->exists = true;
   } else if (error != ENOENT && error != ENOTDIR) {
     return ErrorFromErrno(error);
   } else {
     // Name by name, from the root; a name not there as written is looked for without case.
+    std::vector<std::string> names;
+    for (size_t i = 0; i < rest.size();) {
+      size_t end = rest.find('\\', i);
+      if (end == std::string::npos) end = rest.size();
+      if (end > i) names.push_back(rest.substr(i, end - i));
+      i = end + 1;
+    }
     std::string folder = root;
     EntryFacts facts;
     if (ReadEntryFacts(AT_FDCWD, root.c_str(), &facts) != 0 || !facts.isDirectory) return ERROR_PATH_NOT_FOUND;
