@@ -168,16 +168,8 @@ int main(int argc, char **argv) {
   setenv("KELMARO_DRIVES", drives.c_str(), 1);
   CoInitialize(nullptr);
 
-  // One shortcut for each program, place (old or other) and spelling. A shortcut saved on Windows with an upper-case
-  // target holds that file's attributes, times and size, which Windows finds whatever the case; so that ours hold
-  // them too, the upper-case spellings exist on disk while the shortcuts are saved, and are removed after.
-  for (int p = 0; p < options.programs; ++p) {
-    char name[64];
-    std::snprintf(name, sizeof name, "PROG%02d/PROG%02d.EXE", p, p);
-    Touch(root / "drive_d/APPS" / name);
-    std::snprintf(name, sizeof name, "TOOL%02d/TOOL%02d.EXE", p, p);
-    Touch(root / "drive_c/TOOLS" / name);
-  }
+  // One shortcut for each program, place (old or other) and spelling. The upper-case spellings are found without
+  // case, as Windows finds them, so their shortcuts hold the target's attributes, times and size too.
   std::vector<std::vector<char>> kinds;
   for (int changed = 0; changed < 2; ++changed)
     for (int upper = 0; upper < 2; ++upper)
@@ -194,8 +186,6 @@ int main(int argc, char **argv) {
         kinds.push_back(SaveShortcut("S:\\kind.lnk", root / "scratch/kind.lnk", t, arguments, f, description));
       }
   fs::remove_all(root / "scratch");
-  fs::remove_all(root / "drive_d/APPS");
-  fs::remove_all(root / "drive_c/TOOLS");
 
   long folders = (options.count + options.folderSize - 1) / options.folderSize;
   long fanOut = static_cast<long>(std::ceil(std::pow(static_cast<double>(folders), 1.0 / options.depth) - 1e-9));
