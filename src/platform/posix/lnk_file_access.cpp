@@ -153,8 +153,10 @@ uint32_t ReadLinuxFile(const std::string &linuxPath, size_t limit, std::vector<u
   } else if (static_cast<uint64_t>(info.st_size) > limit) {
     result = ERROR_NOT_ENOUGH_MEMORY;
   } else {
-    // Room for the size that fstat gave and one byte more: a read that does not fill it has met the end of the file,
-    // so a shortcut takes one read. A file that grew meanwhile is read on, up to the limit.
+    // Room for the size that fstat gave and one byte more: a read of a regular file that does not fill it has met the
+    // end of the file, so a shortcut takes one read. A file that grew meanwhile, or one that tells no size (a pipe),
+    // is read on, up to the limit.
+    bool regular = S_ISREG(info.st_mode);
     size_t room = static_cast<size_t>(info.st_size) + 1;
     size_t done = 0;
     bytes->resize(room);
@@ -170,7 +172,8 @@ uint32_t ReadLinuxFile(const std::string &linuxPath, size_t limit, std::vector<u
         result = ERROR_NOT_ENOUGH_MEMORY;
         break;
       }
-      if (got == 0 || done < room) break;
+      if (got == 0 || (regular && done < room)) break;
+      if (done < room) continue;
       room = std::min(room * 2, limit + 1);
       bytes->resize(room);
     }

@@ -2,6 +2,7 @@
 // a shortcut, writing one, the limits of what a shortcut may hold, and the file errors of Load and Save.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstring>
@@ -11,6 +12,7 @@
 
 #include "lnk_test_data.h"
 #include "platform/posix/lnk_codec.h"
+#include "platform/posix/lnk_file_access.h"
 #include "scratch_drive.h"
 
 namespace {
@@ -293,17 +295,29 @@ TEST(ShellLinkObject, RefusesTextsThatWindowsWouldCutShort) {
   EXPECT_EQ(Names(drive.Linux()), (std::vector<std::string>{"new.lnk", "old.lnk"}));
 }
 
+mode_t ModeOf(const std::string &linuxPath) {
+  struct stat info;
+  return stat(linuxPath.c_str(), &info) == 0 ? info.st_mode & 07777 : 0;
+}
+
 TEST(ShellLinkObject, SaveReplacesTheOldFileWhole) {
   ScratchDrive drive;
-  WriteBytes(drive.Linux("link.lnk"), std::vector<uint8_t>(5000, 'x'));
-  chmod(drive.Linux("link.lnk").c_str(), 0640);
   ShellLink o;
   ASSERT_EQ(o.link->SetPath("T:\\x.exe"), S_OK);
-  ASSERT_EQ(o.persist->Save(L"T:\\link.lnk", TRUE), S_OK);
-  RecordOf(drive.Linux("link.lnk"));
-  struct stat info;
-  ASSERT_EQ(stat(drive.Linux("link.lnk").c_str(), &info), 0);
-  EXPECT_EQ(info.st_mode & 07777, 0640u);
+  // The new file keeps the old one's permissions, whether or not the process's mask would take bits from them.
+  mode_t mask = umask(022);
+  for (mode_t mode : {0640, 0666, 0600, 0664}) {
+    WriteBytes(drive.Linux("link.lnk"), std::vector<uint8_t>(5000, 'x'));
+    chmod(drive.Linux("link.lnk").c_str(), mode);
+    ASSERT_EQ(o.persist->Save(L"T:\\link.lnk", TRUE), S_OK);
+    RecordOf(drive.Linux("link.lnk"));
+    EXPECT_EQ(ModeOf(drive.Linux("link.lnk")), mode);
+  }
+  // A new file has the mode a new file gets.
+  ASSERT_EQ(o.persist->Save(L"T:\\new.lnk", TRUE), S_OK);
+  umask(mask);
+  EXPECT_EQ(ModeOf(drive.Linux("new.lnk")), 0644u);
+  ASSERT_EQ(unlink(drive.Linux("new.lnk").c_str()), 0);
   EXPECT_EQ(Names(drive.Linux()), std::vector<std::string>{"link.lnk"});
   // A shortcut that is a symbolic link stays one.
   ASSERT_EQ(symlink("link.lnk", drive.Linux("alias.lnk").c_str()), 0);
@@ -352,6 +366,37 @@ TEST(ShellLinkObject, SaveAndLoadFailCleanly) {
   }
   EXPECT_EQ(ReadBytes(drive.Linux("readonly.lnk")), std::vector<uint8_t>({1, 2, 3}));
   EXPECT_EQ(Names(drive.Linux()), (std::vector<std::string>{"cut.lnk", "folder.lnk", "readonly.lnk", "text.lnk"}));
+}
+
+// A shortcut is read with room for the size the file gives and one byte more; a file that has grown since is read on.
+TEST(ShortcutFiles, AFileIsReadWholeUpToTheLimit) {
+  ScratchDrive drive;
+  const size_t limit = 10000;
+  for (size_t size : {size_t{0}, size_t{1}, size_t{547}, limit, limit + 1, 3 * limit}) {
+    std::vector<uint8_t> bytes(size);
+    for (size_t i = 0; i < size; ++i) bytes[i] = static_cast<uint8_t>(i * 7);
+    WriteBytes(drive.Linux("file.lnk"), bytes);
+    std::vector<uint8_t> read(3, 'x');
+    if (size <= limit) {
+      EXPECT_EQ(ReadShortcutFile("T:\\file.lnk", limit, &read), static_cast<uint32_t>(ERROR_SUCCESS)) << size;
+      EXPECT_EQ(read, bytes) << size;
+    } else {
+      EXPECT_EQ(ReadShortcutFile("T:\\file.lnk", limit, &read), static_cast<uint32_t>(ERROR_NOT_ENOUGH_MEMORY))
+          << size;
+    }
+  }
+  // A file that says it is empty but is not: a pipe stands for one whose size the file system does not know.
+  ASSERT_EQ(mkfifo(drive.Linux("pipe.lnk").c_str(), 0600), 0);
+  pid_t writer = fork();
+  if (writer == 0) {
+    std::vector<uint8_t> bytes(limit / 2, 'p');
+    WriteBytes(drive.Linux("pipe.lnk"), bytes);
+    _exit(0);
+  }
+  std::vector<uint8_t> read;
+  EXPECT_EQ(ReadShortcutFile("T:\\pipe.lnk", limit, &read), static_cast<uint32_t>(ERROR_SUCCESS));
+  EXPECT_EQ(read, std::vector<uint8_t>(limit / 2, 'p'));
+  waitpid(writer, nullptr, 0);
 }
 
 // The conversion that the engine and lnk_tool make of a shortcut's path for Load and Save.
