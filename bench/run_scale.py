@@ -34,6 +34,9 @@ def parse_args():
     parser.add_argument("--upper-case", type=int, default=10,
                         help="percentage of shortcuts whose paths are stored in upper case (found without case)")
     parser.add_argument("--keep", action="store_true", help="keep the generated trees")
+    parser.add_argument("--sync", action="store_true",
+                        help="time each run until its writes are on disk (sync -f of the tree after it), so that a "
+                             "small run whose rewrites still sit in memory when it ends is not favoured")
     parser.add_argument("--no-build", action="store_true", help="do not build the programs first")
     return parser.parse_args()
 
@@ -55,12 +58,18 @@ def load():
         return float(f.read().split()[0])
 
 
-def run_timed(command, work, env=None, stdout=subprocess.DEVNULL):
+def run_timed(command, work, env=None, stdout=subprocess.DEVNULL, sync=None):
     """Runs a command; returns (exit code, wall seconds, user+system seconds, peak RSS in KiB).
+
+    With `sync` (a folder), the command is followed by `sync -f` of that folder's file system inside the timing, and
+    the command's exit code is kept.
 
     The peak comes from GNU time, which execs the command from a small process of its own: the resource usage of a
     child forked from Python would count Python's own pages, as they stand between the fork and the exec."""
     report = os.path.join(work, "time.txt")
+    if sync:
+        script = 'folder="$1"; shift; "$@"; code=$?; sync -f "$folder"; exit $code'
+        command = ["sh", "-c", script, "sh", sync] + command
     start = time.perf_counter()
     child = subprocess.Popen([TIME, "-q", "-f", "%M", "-o", report] + command, env=env, stdout=stdout,
                              stderr=subprocess.PIPE)
@@ -108,7 +117,8 @@ def measure(args, work, tree, count, expected):
         out_path = os.path.join(work, "out.txt")
         with open(out_path, "wb") as out:
             code, wall, cpu, peak = run_timed([os.path.join(args.build, "kelmaro"), "-fdr", "L:\\", "D:\\Apps",
-                                               "E:\\Apps"], work, env=env, stdout=out)
+                                               "E:\\Apps"], work, env=env, stdout=out,
+                                               sync=copy if args.sync else None)
         with open(out_path, "rb") as out:
             rewritten = out.read().count(b"\n ---> ")
         if code != 1 or rewritten != expected:
@@ -119,7 +129,7 @@ def measure(args, work, tree, count, expected):
         copy = fresh_copy(tree, work)
         with open(out_path, "wb") as out:
             code, wall, cpu, _ = run_timed([os.path.join(args.build, "bench", "lnk_floor"), copy, "D:\\Apps"],
-                                           work, stdout=out)
+                                           work, stdout=out, sync=copy if args.sync else None)
         with open(out_path) as out:
             facts = dict(item.split("=") for item in out.read().split())
         if code != 0 or int(facts["rewritten"]) != expected or int(facts["read"]) != count:
@@ -145,7 +155,7 @@ def main():
     shares = [int(c) for c in args.changed.split(",")]
     print(f"{machine(work)}; load at start {load():.2f}")
     print(f"folders of {args.folder_size} shortcuts, {args.depth} levels deep, {args.upper_case}% stored in upper "
-          f"case; median of {args.repeat} runs")
+          f"case; median of {args.repeat} runs" + ("; each timed until its writes are on disk" if args.sync else ""))
     print()
     print("| shortcuts | changed | kelmaro | per shortcut | floor | per shortcut | kelmaro / floor "
           "| own cost per shortcut | cpu per shortcut | peak RSS | load |")
