@@ -178,14 +178,7 @@ DWORD SearchPathA(LPCSTR path, LPCSTR fileName, LPCSTR extension, DWORD bufferLe
   } else {
     std::vector<std::u16string> folders;
     if (path) {
-      std::u16string list = ProgramToUtf16(path);
-      size_t start = 0;
-      while (start <= list.size()) {
-        size_t end = list.find(u';', start);
-        if (end == std::u16string::npos) end = list.size();
-        if (end > start) folders.push_back(list.substr(start, end - start));
-        start = end + 1;
-      }
+      folders = SplitNonEmpty(ProgramToUtf16(path), u';');
     } else {
       folders = DefaultSearchFolders();
     }

@@ -4,6 +4,7 @@
 
 #include "platform/posix/lnk_codec.h"
 #include "platform/posix/lnk_text.h"
+#include "platform/posix/path_names.h"
 
 namespace {
 
@@ -216,14 +217,7 @@ bool BuildIdListForPath(const std::u16string &path, const std::vector<PathItemFa
   char16_t letter = path[0];
   if (letter >= u'a' && letter <= u'z') letter = static_cast<char16_t>(letter - u'a' + u'A');
   if (letter < u'A' || letter > u'Z') return false;
-  std::vector<std::u16string> names;
-  size_t start = 3;
-  while (start <= path.size()) {
-    size_t stop = path.find(u'\\', start);
-    if (stop == std::u16string::npos) stop = path.size();
-    if (stop > start) names.push_back(path.substr(start, stop - start));
-    start = stop + 1;
-  }
+  std::vector<std::u16string> names = SplitNonEmpty(path.substr(3), u'\\');
   bool endsAsFolder = path.back() == u'\\';
 
   std::vector<uint8_t> out;

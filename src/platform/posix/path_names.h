@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 // UTF-8 and UTF-16. A byte that is not valid UTF-8, and a lone surrogate, become U+FFFD.
 std::u16string Utf8ToUtf16(const std::string &text);
@@ -40,3 +41,18 @@ bool MatchesDosMask(const std::u16string &foldedName, const std::u16string &dosM
 // allows side by side) follow their bytes on disk, so that the order never depends on the order of reading.
 bool ListsBefore(const std::u16string &foldedA, const std::string &diskA, const std::u16string &foldedB,
                  const std::string &diskB);
+
+// The non-empty pieces of a text between separators: the names of a path ("a\\b\" gives "a", "b"), the folders
+// of a search list ("x;;y" gives "x", "y").
+template <typename Text>
+std::vector<Text> SplitNonEmpty(const Text &text, typename Text::value_type separator) {
+  std::vector<Text> pieces;
+  size_t start = 0;
+  while (start < text.size()) {
+    size_t stop = text.find(separator, start);
+    if (stop == Text::npos) stop = text.size();
+    if (stop > start) pieces.push_back(text.substr(start, stop - start));
+    start = stop + 1;
+  }
+  return pieces;
+}

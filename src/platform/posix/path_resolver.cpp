@@ -330,13 +330,7 @@ DWORD FindOnDisk(const std::u16string &full, DiskPath *path) {
     return ErrorFromErrno(error);
   } else {
     // Name by name, from the root; a name not there as written is looked for without case.
-    std::vector<std::string> names;
-    for (size_t i = 0; i < rest.size();) {
-      size_t end = rest.find('\\', i);
-      if (end == std::string::npos) end = rest.size();
-      if (end > i) names.push_back(rest.substr(i, end - i));
-      i = end + 1;
-    }
+    std::vector<std::string> names = SplitNonEmpty(rest, '\\');
     std::string folder = root;
     EntryFacts facts;
     if (ReadEntryFacts(AT_FDCWD, root.c_str(), &facts) != 0 || !facts.isDirectory) return ERROR_PATH_NOT_FOUND;
