@@ -197,6 +197,31 @@ TEST(LnkSamples, AgreeWithLnkinfo) {
   EXPECT_GE(targets, 850u);
 }
 
+// lnkinfo reads no ID list: where the lists of these files lead, as their LinkInfo says too. Their file entries have
+// extension blocks of versions 3, 8 and 9; the share's name is right only in the UTF-16 copy of its item.
+TEST(LnkSamples, IdListsLeadWhereWindowsPutThem) {
+  SKIP_WITHOUT_SAMPLES();
+  struct Row {
+    const char *file, *path;  // nullptr: a list that we cannot place
+  } rows[] = {
+      {"ez/WinXP/Notepad.lnk", "C:\\WINDOWS\\system32\\notepad.exe"},
+      {"ez/Misc/native.seven.01.test", "C:\\Program Files\\ConTEXT\\ConTEXT.exe"},
+      {"ez/Win10/$R9HN8HZ.lnk", "C:\\xwf18.6\\winhex64.exe"},
+      {"ez/Misc/remote.file.xp.test",
+       u8"\\\\als-fichiers3\\Qualité\\Archives\\Méthodologie WAS\\Norme de développement JAVA.doc"},
+      {"pylnk/mounted_folder1_file1.lnk", "Z:\\Downloads\\folder1\\file1.txt"},
+      {"ez/Win10/ms-settingsnetwork-wifi.lnk.test", nullptr},
+  };
+  for (const Row &row : rows) {
+    std::vector<uint8_t> bytes = ReadBytes(std::string(kSamples) + "/" + row.file);
+    ShellLinkRecord record;
+    ASSERT_EQ(ParseShellLink(ByteSpan{bytes.data(), bytes.size()}, &record), LnkError::kNone) << row.file;
+    std::u16string path;
+    EXPECT_EQ(record.hasIdList && IdListPath(record.idList, &path), row.path != nullptr) << row.file;
+    EXPECT_EQ(Utf8(path), row.path ? row.path : "") << row.file;
+  }
+}
+
 // Runs lnkinfo on a file; its standard output, or nothing when it fails.
 bool RunLnkinfo(const std::string &path, std::string *output) {
   std::string command = "lnkinfo -c windows-932 '" + path + "' 2>/dev/null";
