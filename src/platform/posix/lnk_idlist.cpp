@@ -150,7 +150,10 @@ bool IdListPath(const std::vector<uint8_t> &bytes, std::u16string *path) {
         return false;
     } else if ((type & 0x70) == 0x20 && !placed) {
       std::u16string name = ItemText(item, kVolumeName, false, &end);
-      if (name.size() < 2 || name[1] != u':') return false;
+      // A drive letter: a shell folder given by its class id (type 0x2E) shares the bits of a volume item, and the
+      // Desktop's id happens to hold ':' where a volume's name has it.
+      bool letter = name.size() >= 2 && ((name[0] >= u'A' && name[0] <= u'Z') || (name[0] >= u'a' && name[0] <= u'z'));
+      if (!letter || name[1] != u':') return false;
       result = name.substr(0, 2) + u"\\";
       placed = true;
     } else if ((type & 0x70) == 0x40 && !placed) {

@@ -211,6 +211,8 @@ TEST(LnkSamples, IdListsLeadWhereWindowsPutThem) {
        u8"\\\\als-fichiers3\\Qualité\\Archives\\Méthodologie WAS\\Norme de développement JAVA.doc"},
       {"pylnk/mounted_folder1_file1.lnk", "Z:\\Downloads\\folder1\\file1.txt"},
       {"ez/Win10/ms-settingsnetwork-wifi.lnk.test", nullptr},
+      // The Desktop by its class id, whose bytes hold a ':' where a drive item has its own.
+      {"ez/Win10/Book2.xlsx.lnk.test", nullptr},
   };
   for (const Row &row : rows) {
     std::vector<uint8_t> bytes = ReadBytes(std::string(kSamples) + "/" + row.file);
