@@ -65,12 +65,6 @@ struct ShellLink {
   ShellLink(const ShellLink &) = delete;
   ShellLink &operator=(const ShellLink &) = delete;
 
-  // The target as GetPath gives it with `flags`.
-  std::string Path(DWORD flags = 0) const {
-    char text[520] = "garbage";
-    link->GetPath(text, sizeof text, nullptr, flags);
-    return text;
-  }
   // A text field through its Get call, from a buffer pre-filled to prove that it was written.
   std::string Text(HRESULT (IShellLinkA::*get)(LPSTR, int)) const {
     char text[520] = "garbage";

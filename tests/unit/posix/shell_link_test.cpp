@@ -1,10 +1,11 @@
-// The shell link objects of the Linux backend, called as the engine calls them: COM creation and interfaces, reading
-// a shortcut, writing one, the limits of what a shortcut may hold, and the file errors of Load and Save.
+// The shell link objects of the Linux backend, called as the engine calls them: COM creation, reading a shortcut,
+// writing one, the limits of what a shortcut may hold, and the file errors of Load and Save.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -18,12 +19,13 @@
 namespace {
 
 namespace fs = std::filesystem;
+using Names = std::vector<std::string>;
 
 const std::vector<uint8_t> kExample(kExampleFile, kExampleFile + sizeof kExampleFile);
 
 // The names in a folder, to prove that a save leaves nothing behind.
-std::vector<std::string> Names(const std::string &folder) {
-  std::vector<std::string> names;
+Names NamesIn(const std::string &folder) {
+  Names names;
   for (const fs::directory_entry &entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename());
   std::sort(names.begin(), names.end());
   return names;
@@ -36,61 +38,57 @@ ShellLinkRecord RecordOf(const std::string &linuxPath) {
   return record;
 }
 
+mode_t ModeOf(const std::string &linuxPath) {
+  struct stat info;
+  return stat(linuxPath.c_str(), &info) == 0 ? info.st_mode & 07777 : 0;
+}
+
+// GetPath as the engine's reader calls it, into a find record pre-filled to prove that every byte is written.
+HRESULT Target(const ShellLink &o, std::string *path, WIN32_FIND_DATAA *find) {
+  char text[520] = "garbage";
+  std::memset(find, 0xA5, sizeof *find);
+  HRESULT result = o.link->GetPath(text, sizeof text, find, SLGP_UNCPRIORITY);
+  *path = text;
+  return result;
+}
+
+std::string TargetOf(const ShellLink &o) {
+  std::string path;
+  WIN32_FIND_DATAA find;
+  Target(o, &path, &find);
+  return path;
+}
+
 TEST(ComObjects, CreationNeedsCoInitialize) {
+  void *object = reinterpret_cast<void *>(1);
+  auto create = [&] {
+    return CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, &object);
+  };
   // Bring the count to zero whatever ran before: each CoUninitialize undoes one CoInitialize.
   while (CoInitialize(nullptr) == S_FALSE) {
     CoUninitialize();
     CoUninitialize();
   }
   CoUninitialize();
-  void *object = reinterpret_cast<void *>(1);
-  EXPECT_EQ(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, &object),
-            CO_E_NOTINITIALIZED);
+  EXPECT_EQ(create(), CO_E_NOTINITIALIZED);
   EXPECT_EQ(object, nullptr);
   EXPECT_EQ(CoInitialize(nullptr), S_OK);
   EXPECT_EQ(CoInitialize(nullptr), S_FALSE);
-  CoUninitialize();
-  ASSERT_EQ(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, &object), S_OK);
+  CoUninitialize();  // one of two
+  ASSERT_EQ(create(), S_OK);
   EXPECT_EQ(static_cast<IShellLinkA *>(object)->Release(), 0u);
   CoUninitialize();
-  EXPECT_EQ(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, &object),
-            CO_E_NOTINITIALIZED);
-}
-
-// What the engine asks of COM: the one class, in process, its IShellLinkA and, from it, IPersistFile; anything else
-// is refused with the output cleared.
-TEST(ComObjects, OnlyTheShellLinkAndItsTwoInterfaces) {
-  ScratchDrive drive;
-  ShellLink o;
-  void *object = reinterpret_cast<void *>(1);
-  EXPECT_EQ(CoCreateInstance(IID_IPersistFile, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA, &object),
-            REGDB_E_CLASSNOTREG);
-  EXPECT_EQ(object, nullptr);
-  const IID unknown = {0x12345678, 0, 0, {0, 0, 0, 0, 0, 0, 0, 1}};
-  object = reinterpret_cast<void *>(1);
-  EXPECT_EQ(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, unknown, &object), E_NOINTERFACE);
-  EXPECT_EQ(object, nullptr);
-  object = reinterpret_cast<void *>(1);
-  EXPECT_EQ(o.link->QueryInterface(CLSID_ShellLink, &object), E_NOINTERFACE);
-  EXPECT_EQ(object, nullptr);
-  // Both interfaces hold the one object: it lives until the last Release.
-  EXPECT_EQ(o.link->AddRef(), 3u);
-  EXPECT_EQ(o.persist->Release(), 2u);
-  EXPECT_EQ(o.link->Release(), 1u);
-  o.persist = nullptr;
+  EXPECT_EQ(create(), CO_E_NOTINITIALIZED);
 }
 
 TEST(ShellLinkObject, ReadsAShortcutAsTheEngineDoes) {
   ScratchDrive drive;
   WriteBytes(drive.Linux("example.lnk"), kExample);
-  ShellLink o;
-  EXPECT_EQ(o.persist->IsDirty(), S_FALSE);
-  ASSERT_EQ(o.persist->Load(L"T:\\example.lnk", 0), S_OK);
-  char text[520];
+  ShellLink o(L"T:\\example.lnk");
+  std::string path;
   WIN32_FIND_DATAA find;
-  std::memset(&find, 0xA5, sizeof find);  // every byte must be written
-  ASSERT_EQ(o.link->GetPath(text, sizeof text, &find, SLGP_UNCPRIORITY), S_OK);
-  EXPECT_STREQ(text, "C:\\test\\a.txt");
+  ASSERT_EQ(Target(o, &path, &find), S_OK);
+  EXPECT_EQ(path, "C:\\test\\a.txt");
   EXPECT_EQ(find.dwFileAttributes, 0x20u);
   EXPECT_EQ(find.ftCreationTime.dwLowDateTime, 0xF2EEE9D0u);
   EXPECT_EQ(find.ftCreationTime.dwHighDateTime, 0x01C91515u);
@@ -106,21 +104,12 @@ TEST(ShellLinkObject, ReadsAShortcutAsTheEngineDoes) {
   EXPECT_EQ(o.Icon(&index), "");
   EXPECT_EQ(index, 0);
   EXPECT_EQ(o.Show(), SW_SHOWNORMAL);
-  WORD hotkey = 0xFFFF;
-  EXPECT_EQ(o.link->GetHotkey(&hotkey), S_OK);
-  EXPECT_EQ(hotkey, 0);
   EXPECT_EQ(o.link->Resolve(nullptr, SLR_NO_UI | SLR_UPDATE), S_OK);
-}
-
-TEST(ShellLinkObject, NoTargetIsSFalseWithAClearedFindRecord) {
-  ScratchDrive drive;
-  ShellLink o;
-  char text[520] = "garbage";
-  WIN32_FIND_DATAA find, zero;
-  std::memset(&find, 0xA5, sizeof find);
-  std::memset(&zero, 0, sizeof zero);
-  EXPECT_EQ(o.link->GetPath(text, sizeof text, &find, SLGP_UNCPRIORITY), S_FALSE);
-  EXPECT_STREQ(text, "");
+  // No target: S_FALSE and a find record of zeros.
+  ShellLink empty;
+  WIN32_FIND_DATAA zero = {};
+  EXPECT_EQ(Target(empty, &path, &find), S_FALSE);
+  EXPECT_EQ(path, "");
   EXPECT_EQ(std::memcmp(&find, &zero, sizeof find), 0);
 }
 
@@ -158,15 +147,13 @@ TEST(ShellLinkObject, WritesAShortcutThatReadsBack) {
     EXPECT_EQ(o.link->SetPath(target), S_OK);
     EXPECT_EQ(o.link->SetArguments("/予定 \"a b\""), S_OK);
     EXPECT_EQ(o.link->SetShowCmd(SW_SHOWMINNOACTIVE), S_OK);
-    EXPECT_EQ(o.persist->IsDirty(), S_OK);
     ASSERT_EQ(o.persist->Save(L"T:\\out.lnk", TRUE), S_OK);
-    EXPECT_EQ(o.persist->IsDirty(), S_FALSE);
   }
   ShellLink back(L"T:\\out.lnk");
-  char text[520];
+  std::string path;
   WIN32_FIND_DATAA find;
-  EXPECT_EQ(back.link->GetPath(text, sizeof text, &find, SLGP_UNCPRIORITY), S_OK);
-  EXPECT_STREQ(text, target);
+  EXPECT_EQ(Target(back, &path, &find), S_OK);
+  EXPECT_EQ(path, target);
   EXPECT_EQ(find.dwFileAttributes, 0x20u);
   EXPECT_EQ(find.nFileSizeLow, 1234u);
   EXPECT_NE(find.ftLastWriteTime.dwHighDateTime, 0u);
@@ -198,52 +185,45 @@ TEST(ShellLinkObject, TheHeaderDescribesTheTarget) {
     const char *target;
     DWORD attributes, size;
   } rows[] = {
-      {"T:\\file.txt", 0x20, 10},
-      {"T:\\dir", 0x10, 0},
+      {"T:\\file.txt", 0x20, 10}, {"T:\\dir", 0x10, 0},
       {"T:\\FILE.TXT", 0x20, 10},  // names are found without case, as Windows finds them
-      {"T:\\Dir", 0x10, 0},
-      {"T:\\.hidden", 0x22, 0},
-      {"T:\\locked.txt", 0x21, 0},
-      {"T:\\missing.txt", 0, 0},  // as Windows: a target that is not there leaves the
-                                  // header empty
+      {"T:\\.hidden", 0x22, 0},   {"T:\\locked.txt", 0x21, 0},
+      {"T:\\missing.txt", 0, 0},  // as Windows: a target that is not there leaves the header empty
       {"Q:\\unmapped.txt", 0, 0},
   };
   ShellLink o;
   for (const Row &row : rows) {
     ASSERT_EQ(o.link->SetPath(row.target), S_OK) << row.target;
     ASSERT_EQ(o.persist->Save(L"T:\\facts.lnk", TRUE), S_OK) << row.target;
-    ShellLink back(L"T:\\facts.lnk");
-    char text[520];
+    std::string path;
     WIN32_FIND_DATAA find;
-    EXPECT_EQ(back.link->GetPath(text, sizeof text, &find, 0), S_OK) << row.target;
-    EXPECT_STREQ(text, row.target);
+    EXPECT_EQ(Target(ShellLink(L"T:\\facts.lnk"), &path, &find), S_OK) << row.target;
+    EXPECT_EQ(path, row.target);
     EXPECT_EQ(find.dwFileAttributes, row.attributes) << row.target;
     EXPECT_EQ(find.nFileSizeLow, row.size) << row.target;
   }
 }
 
+// Only the engine's GetPath flag is checked here; lnk_tool's others are compared with Wine's in tests/wine.
 TEST(ShellLinkObject, TargetsAndIconsInOtherForms) {
   ScratchDrive drive;
   setenv("KELMARO_LINK_TEST", "T:\\env", 1);
   struct Row {
-    const char *set, *path, *rawPath;  // SLGP_UNCPRIORITY reads as the plain call here
+    const char *set, *path;
   } rows[] = {
-      {"\\\\server\\share\\a\\b.txt", "\\\\server\\share\\a\\b.txt", "\\\\server\\share\\a\\b.txt"},
-      {"\\\\server\\share", "\\\\server\\share", "\\\\server\\share"},
-      {"%kelmaro_link_test%\\x.exe", "T:\\env\\x.exe", "%kelmaro_link_test%\\x.exe"},
-      {"%NOT_SET_ANYWHERE%\\x.exe", "%NOT_SET_ANYWHERE%\\x.exe", "%NOT_SET_ANYWHERE%\\x.exe"},
-      {"notepad.exe", "notepad.exe", "notepad.exe"},
-      {"T:/forward/slashes.txt", "T:\\forward\\slashes.txt", "T:\\forward\\slashes.txt"},
+      {"\\\\server\\share\\a\\b.txt", "\\\\server\\share\\a\\b.txt"},
+      {"\\\\server\\share", "\\\\server\\share"},
+      {"%kelmaro_link_test%\\x.exe", "T:\\env\\x.exe"},
+      {"%NOT_SET_ANYWHERE%\\x.exe", "%NOT_SET_ANYWHERE%\\x.exe"},
+      {"notepad.exe", "notepad.exe"},
+      {"T:/forward/slashes.txt", "T:\\forward\\slashes.txt"},
   };
   ShellLink o;
   for (const Row &row : rows) {
     ASSERT_EQ(o.link->SetPath(row.set), S_OK) << row.set;
-    EXPECT_EQ(o.Path(), row.path) << row.set;  // the object reads the same before it is saved
+    EXPECT_EQ(TargetOf(o), row.path) << row.set;  // the object reads the same before it is saved
     ASSERT_EQ(o.persist->Save(L"T:\\forms.lnk", TRUE), S_OK) << row.set;
-    ShellLink back(L"T:\\forms.lnk");
-    EXPECT_EQ(back.Path(), row.path) << row.set;
-    EXPECT_EQ(back.Path(SLGP_UNCPRIORITY), row.path) << row.set;
-    EXPECT_EQ(back.Path(SLGP_RAWPATH), row.rawPath) << row.set;
+    EXPECT_EQ(TargetOf(ShellLink(L"T:\\forms.lnk")), row.path) << row.set;
   }
   // An icon with environment names keeps them for Windows, in the icon environment block, and reads expanded.
   ASSERT_EQ(o.link->SetIconLocation("%KELMARO_LINK_TEST%\\i.dll", 2), S_OK);
@@ -292,44 +272,33 @@ TEST(ShellLinkObject, RefusesTextsThatWindowsWouldCutShort) {
   EXPECT_EQ(o.link->SetPath(japanese.c_str()), S_OK);
   EXPECT_EQ(o.link->SetPath((japanese + "x").c_str()), E_INVALIDARG);
   EXPECT_EQ(o.link->SetPath(nullptr), E_INVALIDARG);
-  EXPECT_EQ(Names(drive.Linux()), (std::vector<std::string>{"new.lnk", "old.lnk"}));
-}
-
-mode_t ModeOf(const std::string &linuxPath) {
-  struct stat info;
-  return stat(linuxPath.c_str(), &info) == 0 ? info.st_mode & 07777 : 0;
+  EXPECT_EQ(NamesIn(drive.Linux()), (Names{"new.lnk", "old.lnk"}));
 }
 
 TEST(ShellLinkObject, SaveReplacesTheOldFileWhole) {
   ScratchDrive drive;
   ShellLink o;
   ASSERT_EQ(o.link->SetPath("T:\\x.exe"), S_OK);
-  // The new file keeps the old one's permissions, whether or not the process's mask would take bits from them.
+  // The new file keeps the old one's permissions, also the bits that the process's mask would take from them; a new
+  // file has the mode a new file gets.
   mode_t mask = umask(022);
-  for (mode_t mode : {0640, 0666, 0600, 0664}) {
+  for (mode_t mode : {0640, 0666}) {
     WriteBytes(drive.Linux("link.lnk"), std::vector<uint8_t>(5000, 'x'));
     chmod(drive.Linux("link.lnk").c_str(), mode);
     ASSERT_EQ(o.persist->Save(L"T:\\link.lnk", TRUE), S_OK);
     RecordOf(drive.Linux("link.lnk"));
     EXPECT_EQ(ModeOf(drive.Linux("link.lnk")), mode);
   }
-  // A new file has the mode a new file gets.
   ASSERT_EQ(o.persist->Save(L"T:\\new.lnk", TRUE), S_OK);
   umask(mask);
   EXPECT_EQ(ModeOf(drive.Linux("new.lnk")), 0644u);
-  ASSERT_EQ(unlink(drive.Linux("new.lnk").c_str()), 0);
-  EXPECT_EQ(Names(drive.Linux()), std::vector<std::string>{"link.lnk"});
-  // A shortcut that is a symbolic link stays one.
+  // A shortcut that is a symbolic link stays one, and what it points to is rewritten.
   ASSERT_EQ(symlink("link.lnk", drive.Linux("alias.lnk").c_str()), 0);
   ASSERT_EQ(o.link->SetDescription("through the alias"), S_OK);
   ASSERT_EQ(o.persist->Save(L"T:\\alias.lnk", TRUE), S_OK);
   EXPECT_TRUE(fs::is_symlink(drive.Linux("alias.lnk")));
-  EXPECT_EQ(ReadBytes(drive.Linux("alias.lnk")), ReadBytes(drive.Linux("link.lnk")));
-  EXPECT_EQ(Names(drive.Linux()), (std::vector<std::string>{"alias.lnk", "link.lnk"}));
-  // Save without a name goes to the file last saved or loaded.
-  ASSERT_EQ(o.link->SetArguments("-again"), S_OK);
-  ASSERT_EQ(o.persist->Save(nullptr, TRUE), S_OK);
-  EXPECT_EQ(ShellLink(L"T:\\link.lnk").Text(&IShellLinkA::GetArguments), "-again");
+  EXPECT_EQ(ShellLink(L"T:\\link.lnk").Text(&IShellLinkA::GetDescription), "through the alias");
+  EXPECT_EQ(NamesIn(drive.Linux()), (Names{"alias.lnk", "link.lnk", "new.lnk"}));
 }
 
 TEST(ShellLinkObject, SaveAndLoadFailCleanly) {
@@ -342,8 +311,6 @@ TEST(ShellLinkObject, SaveAndLoadFailCleanly) {
   ShellLink o;
   ASSERT_EQ(o.link->SetPath("T:\\x.exe"), S_OK);
   ASSERT_EQ(o.link->SetDescription("kept"), S_OK);
-  EXPECT_EQ(o.persist->Save(nullptr, TRUE), E_INVALIDARG);  // nothing loaded or saved yet
-  EXPECT_EQ(o.persist->Load(nullptr, 0), E_INVALIDARG);
   struct Row {
     const wchar_t *path;
     HRESULT save, load;
@@ -365,32 +332,29 @@ TEST(ShellLinkObject, SaveAndLoadFailCleanly) {
     EXPECT_EQ(o.Text(&IShellLinkA::GetDescription), "kept") << row.path;  // a failed load leaves the object alone
   }
   EXPECT_EQ(ReadBytes(drive.Linux("readonly.lnk")), std::vector<uint8_t>({1, 2, 3}));
-  EXPECT_EQ(Names(drive.Linux()), (std::vector<std::string>{"cut.lnk", "folder.lnk", "readonly.lnk", "text.lnk"}));
+  EXPECT_EQ(NamesIn(drive.Linux()), (Names{"cut.lnk", "folder.lnk", "readonly.lnk", "text.lnk"}));
 }
 
 // A shortcut is read with room for the size the file gives and one byte more; a file that has grown since is read on.
 TEST(ShortcutFiles, AFileIsReadWholeUpToTheLimit) {
   ScratchDrive drive;
   const size_t limit = 10000;
-  for (size_t size : {size_t{0}, size_t{1}, size_t{547}, limit, limit + 1, 3 * limit}) {
+  for (size_t size : {size_t{0}, size_t{547}, limit, limit + 1, 3 * limit}) {
     std::vector<uint8_t> bytes(size);
     for (size_t i = 0; i < size; ++i) bytes[i] = static_cast<uint8_t>(i * 7);
     WriteBytes(drive.Linux("file.lnk"), bytes);
     std::vector<uint8_t> read(3, 'x');
+    uint32_t error = ReadShortcutFile("T:\\file.lnk", limit, &read);
+    EXPECT_EQ(error, static_cast<uint32_t>(size <= limit ? ERROR_SUCCESS : ERROR_NOT_ENOUGH_MEMORY)) << size;
     if (size <= limit) {
-      EXPECT_EQ(ReadShortcutFile("T:\\file.lnk", limit, &read), static_cast<uint32_t>(ERROR_SUCCESS)) << size;
       EXPECT_EQ(read, bytes) << size;
-    } else {
-      EXPECT_EQ(ReadShortcutFile("T:\\file.lnk", limit, &read), static_cast<uint32_t>(ERROR_NOT_ENOUGH_MEMORY))
-          << size;
     }
   }
   // A file that says it is empty but is not: a pipe stands for one whose size the file system does not know.
   ASSERT_EQ(mkfifo(drive.Linux("pipe.lnk").c_str(), 0600), 0);
   pid_t writer = fork();
   if (writer == 0) {
-    std::vector<uint8_t> bytes(limit / 2, 'p');
-    WriteBytes(drive.Linux("pipe.lnk"), bytes);
+    WriteBytes(drive.Linux("pipe.lnk"), std::vector<uint8_t>(limit / 2, 'p'));
     _exit(0);
   }
   std::vector<uint8_t> read;
