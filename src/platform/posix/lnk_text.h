@@ -4,10 +4,6 @@
 
 #include <string>
 
-// UTF-8 and UTF-16. A malformed sequence, or an unpaired surrogate, becomes U+FFFD; nothing is dropped silently.
-std::u16string Utf16FromUtf8(const std::string &text);
-std::string Utf8FromUtf16(const std::u16string &text);
-
 // CP932 and UTF-16 as Windows converts them: user-defined characters are the private use area U+E000 to U+E757,
 // and the single bytes 0x80, 0xA0 and 0xFD to 0xFF are U+0080, U+F8F0 and U+F8F1 to U+F8F3, so that every byte of a
 // name survives the round trip. A character that CP932 cannot hold becomes "?" (Windows without best fit), and so

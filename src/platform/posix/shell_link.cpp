@@ -7,6 +7,7 @@
 #include <new>
 
 #include "platform/posix/lnk_codec.h"
+#include "platform/posix/path_names.h"
 #include "platform/posix/lnk_file_access.h"
 #include "platform/posix/lnk_text.h"
 
@@ -417,7 +418,7 @@ int MultiByteToWideChar(UINT codePage, DWORD, LPCSTR text, int length, LPWSTR wi
     return 0;
   }
   std::string bytes = length == -1 ? std::string(text, std::strlen(text) + 1) : std::string(text, length);
-  std::wstring result = WideFromUtf16(IsAnsiCodePage(codePage) ? Utf16FromCp932(bytes) : Utf16FromUtf8(bytes));
+  std::wstring result = WideFromUtf16(IsAnsiCodePage(codePage) ? Utf16FromCp932(bytes) : Utf8ToUtf16(bytes));
   if (size == 0) return static_cast<int>(result.size());
   if (result.size() > static_cast<size_t>(size)) {
     SetLastError(ERROR_INSUFFICIENT_BUFFER);
@@ -435,7 +436,7 @@ int WideCharToMultiByte(UINT codePage, DWORD, LPCWSTR wide, int length, LPSTR te
   }
   size_t count = length == -1 ? std::wcslen(wide) + 1 : static_cast<size_t>(length);
   std::u16string units = Utf16FromWide(wide, count);
-  std::string result = IsAnsiCodePage(codePage) ? Cp932FromUtf16(units) : Utf8FromUtf16(units);
+  std::string result = IsAnsiCodePage(codePage) ? Cp932FromUtf16(units) : Utf16ToUtf8(units);
   if (size == 0) return static_cast<int>(result.size());
   if (result.size() > static_cast<size_t>(size)) {
     SetLastError(ERROR_INSUFFICIENT_BUFFER);

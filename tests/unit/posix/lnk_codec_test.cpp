@@ -1,6 +1,7 @@
 // The shortcut codec as a whole: a file in and out, which record gives the target and the icon, and damage anywhere
 // in a file ending in a clean failure.
 #include "platform/posix/lnk_codec.h"
+#include "platform/posix/path_names.h"
 
 #include <gtest/gtest.h>
 
@@ -13,8 +14,8 @@
 
 namespace {
 
-std::string Utf8(const std::u16string &text) { return Utf8FromUtf16(text); }
-std::u16string U(const char *utf8) { return Utf16FromUtf8(utf8); }
+std::string Utf8(const std::u16string &text) { return Utf16ToUtf8(text); }
+std::u16string U(const char *utf8) { return Utf8ToUtf16(utf8); }
 
 // An environment of a few names, looked up without case as Windows does.
 EnvironmentLookup Environment(std::map<std::string, std::string> values) {

@@ -15,6 +15,7 @@
 
 #include "platform/posix/drive_table.h"
 #include "platform/posix/lnk_codec.h"
+#include "platform/posix/path_names.h"
 #include "platform/posix/lnk_text.h"
 #include "scratch_drive.h"
 
@@ -24,7 +25,7 @@ namespace fs = std::filesystem;
 
 const char *const kSamples = KELMARO_SHARED_SAMPLES;
 
-std::string Utf8(const std::u16string &text) { return Utf8FromUtf16(text); }
+std::string Utf8(const std::u16string &text) { return Utf16ToUtf8(text); }
 
 // The sample files, by their path below the samples folder, licences and notes left out.
 std::vector<std::string> SampleFiles() {

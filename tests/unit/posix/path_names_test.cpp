@@ -63,6 +63,7 @@ TEST(PathNames, Utf8ToUtf16) {
       {"\xE8\xA1", {0xFFFD, 0xFFFD}},              // cut short
   };
   for (const Row &row : rows) EXPECT_EQ(Utf8ToUtf16(row.bytes), row.expected) << row.bytes;
+  EXPECT_EQ(Utf16ToUtf8(std::u16string(1, 0xD800) + u"x"), "\xEF\xBF\xBDx");  // a lone surrogate
 }
 
 TEST(PathNames, FoldingUsesTheUpperCaseOfEachUnit) {
