@@ -360,32 +360,4 @@ TEST_F(LinuxDisk, SearchPathLooksInTheWindowsFoldersTheCurrentFolderAndPath) {
   EXPECT_EQ(search("win.exe"), "error 2");
 }
 
-TEST_F(LinuxDisk, AFileMovesToAnotherFileSystemByCopy) {
-  // /dev/shm is a file system of its own on most machines.
-  char pattern[] = "/dev/shm/kelmaro-shm-XXXXXX";
-  std::string shm = mkdtemp(pattern) ? pattern : "";
-  struct stat rootInfo, shmInfo;
-  if (shm.empty() || stat(Linux().c_str(), &rootInfo) != 0 || stat(pattern, &shmInfo) != 0 ||
-      rootInfo.st_dev == shmInfo.st_dev) {
-    if (!shm.empty()) std::filesystem::remove_all(shm);
-    GTEST_SKIP() << "no second file system beside " << Linux();
-  }
-  TestSetDrives(("T=" + Linux() + ";M=" + shm).c_str());
-  Touch("f.lnk", "moved bytes");
-  struct timespec old[2] = {{0, UTIME_OMIT}, {1000000000, 0}};
-  ASSERT_EQ(utimensat(AT_FDCWD, Linux("f.lnk").c_str(), old, 0), 0);
-  MakeFolder("d");
-  EXPECT_TRUE(MoveFileA("T:\\f.lnk", "M:\\f.lnk")) << GetLastError();
-  EXPECT_FALSE(Exists("f.lnk"));
-  std::vector<uint8_t> moved = ReadBytes(shm + "/f.lnk");
-  EXPECT_EQ(std::string(moved.begin(), moved.end()), "moved bytes");
-  struct stat info;
-  ASSERT_EQ(stat((shm + "/f.lnk").c_str(), &info), 0);
-  EXPECT_EQ(info.st_mtim.tv_sec, 1000000000);
-  SetLastError(0);
-  EXPECT_FALSE(MoveFileA("T:\\d", "M:\\d"));
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NOT_SAME_DEVICE));
-  std::filesystem::remove_all(shm);
-}
-
 }  // namespace
