@@ -36,47 +36,23 @@ class ExactNames : public ::testing::Test {
   std::string target_;
 };
 
-TEST_F(ExactNames, RootsAreUpperCasedOrKept) {
+TEST_F(ExactNames, ADriveRootIsUpperCased) {
   char drive = static_cast<char>(std::tolower(static_cast<unsigned char>(scratch_.Path()[0])));
-  PathBuffer root(std::string(1, drive) + ":\\"), unc("\\\\");
+  PathBuffer root(std::string(1, drive) + ":\\");
   EXPECT_EQ(ResolveExactPath(root.bytes, kExactLongNames, 0), root.bytes);
   EXPECT_EQ(root.Text(), Upper(std::string(1, drive)) + ":\\");
-  EXPECT_EQ(ResolveExactPath(unc.bytes, kExactLongNames, 0), unc.bytes);
-  EXPECT_EQ(unc.Text(), "\\\\");
 }
 
+// The tool asks for long names, the path copied back over the caller's.
 TEST_F(ExactNames, EveryComponentInTheDisksSpelling) {
-  // In place: the scratch folder's own path is in its disk spelling already; the letters of everything are turned.
+  // The scratch folder's own path is in its disk spelling already; the letters of everything are turned.
   PathBuffer path(Lower(target_.substr(0, 1)) + Upper(target_.substr(1)));
   EXPECT_EQ(ResolveExactPath(path.bytes, kExactLongNames, 0), path.bytes);
   EXPECT_EQ(path.Text(), target_);
-  EXPECT_EQ(ExactPathInProgress(), 0);
+  EXPECT_EQ(ExactPathInProgress(), 0) << "a walk left running would hand every later path back unchanged";
   path.Set(Lower(target_));
   EXPECT_EQ(MakeExactPath(path.bytes, kExactLongNames, 0), path.bytes);
   EXPECT_EQ(path.Text(), target_);
-  // As a pointer result, which leaves the path alone; MakeExactPath gives the caller's string back in any mode.
-  const std::string typed = Upper(target_);
-  path.Set(typed);
-  char *result = ResolveExactPath(path.bytes, kExactLongNames | kExactNoFolding, 1);
-  ASSERT_NE(result, nullptr);
-  EXPECT_NE(result, path.bytes);
-  EXPECT_STREQ(result, target_.c_str());
-  EXPECT_EQ(path.Text(), typed);
-  EXPECT_EQ(MakeExactPath(path.bytes, kExactLongNames, 1), path.bytes);
-  EXPECT_EQ(path.Text(), typed);
-  // A nested call during a walk gets its path back unchanged.
-  SetExactPathInProgress(1);
-  EXPECT_EQ(ResolveExactPath(path.bytes, kExactLongNames, 1), path.bytes);
-  EXPECT_EQ(path.Text(), typed);
-  SetExactPathInProgress(0);
-}
-
-TEST_F(ExactNames, WithoutNameFlagsOnlyTheDriveLetterChanges) {
-  std::string typed = scratch_.Path("mixed case\\INNER dir\\target file.txt");
-  typed[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(typed[0])));
-  PathBuffer path(typed);
-  ASSERT_NE(ResolveExactPath(path.bytes, 0, 0), nullptr);
-  EXPECT_EQ(path.Text(), Upper(typed.substr(0, 1)) + typed.substr(1));
 }
 
 TEST_F(ExactNames, BareNamesDoubledBackslashesQuotesAndCapitals) {
@@ -102,31 +78,9 @@ TEST_F(ExactNames, BareNamesDoubledBackslashesQuotesAndCapitals) {
   PathBuffer absent(missing);
   EXPECT_EQ(ResolveExactPath(absent.bytes, kExactLongNames, 0), absent.bytes);
   EXPECT_EQ(absent.Text(), missing) << "a path that is not there comes back as it was";
-  EXPECT_EQ(ResolveExactPath(nullptr, kExactLongNames, 0), nullptr);
   char empty[520] = "";
-  EXPECT_EQ(ResolveExactPath(empty, kExactLongNames, 0), nullptr);
   EXPECT_EQ(MakeExactPath(nullptr, kExactLongNames, 0), nullptr);
   EXPECT_EQ(MakeExactPath(empty, kExactLongNames, 0), empty);
-}
-
-TEST_F(ExactNames, ShortNamesAndALongNameWithoutOne) {
-  std::string file = scratch_.MakeFile("a name far too long.text");
-  FirstFound entry = FindFirst(file);
-  ASSERT_TRUE(entry.found);
-  PathBuffer path(file);
-  char *result = ResolveExactPath(path.bytes, kExactShortNames, 1);
-  std::string shortName = entry.data.cAlternateFileName;
-  if (!shortName.empty()) {
-    // A file system that keeps a short name for every long one (Windows, Wine): the path in short names.
-    ASSERT_NE(result, nullptr);
-    std::string text = result;
-    EXPECT_EQ(text.substr(text.size() - shortName.size()), shortName) << text;
-    return;
-  }
-  EXPECT_EQ(result, nullptr);
-  EXPECT_EQ(MakeExactPath(path.bytes, kExactShortNames | kExactUpperCase, 0), path.bytes);
-  EXPECT_EQ(path.Text(), file);
-  EXPECT_EQ(ExactPathInProgress(), 0);
 }
 
 TEST_F(ExactNames, RefusedComponentStopsTheWalk) {
@@ -135,14 +89,11 @@ TEST_F(ExactNames, RefusedComponentStopsTheWalk) {
 #else
   const std::string typed = scratch_.Path("MIXED CASE\\INNER DIR\\TARGET FILE.TXT");
   ASSERT_TRUE(TestFailListing(scratch_.Path("Mixed Case").c_str(), ERROR_ACCESS_DENIED));
-  // "Inner Dir" cannot be asked for: it goes in folded (or as typed) and what lies behind it is dropped.
+  // "Inner Dir" cannot be asked for: it goes in folded and what lies behind it is dropped.
   PathBuffer path(typed);
   EXPECT_NE(ResolveExactPath(path.bytes, kExactLongNames, 0), nullptr);
-  EXPECT_EQ(path.Text(), scratch_.Path("Mixed Case\\Inner dir"));
-  path.Set(typed);
-  EXPECT_NE(ResolveExactPath(path.bytes, kExactLongNames | kExactNoFolding, 0), nullptr);
   TestClearFaults();
-  EXPECT_EQ(path.Text(), scratch_.Path("Mixed Case\\INNER DIR"));
+  EXPECT_EQ(path.Text(), scratch_.Path("Mixed Case\\Inner dir"));
 #endif
 }
 
@@ -153,10 +104,9 @@ TEST(FillShortName, Rows) {
       {"notepad.exe", "", "notepad.exe", "NOTEPAD.EXE"},
       {"README.TXT", "", "Readme.txt", "README.TXT"},  // all capitals: folded to read tidily
       {"A1.B", "", "A1.b", "A1.B"},
-      {"Program Files", "PROGRA~1", "Program Files", "PROGRA~1"},  // a short name of its own is kept
-      {"a long name.txt", "", "a long name.txt", ""},              // 13 bytes or more: no short name
-      {"ABCDEFGH.TXT", "", "Abcdefgh.txt", "ABCDEFGH.TXT"},        // 12 bytes still counts
-      {"\x95\x5C.TXT", "", "\x95\x5C.TXT", "\x95\x5C.TXT"},        // a double-byte name is not folded
+      {"A LONG NAME.TXT", "", "A LONG NAME.TXT", ""},        // 13 bytes or more: no short name, and no folding
+      {"ABCDEFGH.TXT", "", "Abcdefgh.txt", "ABCDEFGH.TXT"},  // 12 bytes still counts
+      {"\x95\x5C.TXT", "", "\x95\x5C.TXT", "\x95\x5C.TXT"},  // a double-byte name is not folded
   };
   for (const Row &row : rows) {
     char longName[260], shortName[14];

@@ -2,7 +2,6 @@
 // against the Linux backend on the host and against Windows' own calls under Wine.
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -14,17 +13,6 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-TEST(FindFiles, ListsDotsFirstThenNamesInFileSystemOrder) {
-  ScratchFolder folder;
-  for (const char *name : {"b.lnk", "_x.txt", "A.lnk", "c.TXT"}) folder.MakeFile(name);
-  folder.MakeFolder("Sub");
-  // NTFS orders by the upper-cased name, so "_" (0x5F) comes after every letter; a lower-case order would put it first.
-  EXPECT_EQ(ListNames(folder / "*"), (Names{".", "..", "A.lnk", "b.lnk", "c.TXT", "Sub", "_x.txt"}));
-  // A folder with nothing in it still has its dots.
-  EXPECT_EQ(ListNames(folder / "Sub\\*"), (Names{".", ".."}));
-  EXPECT_EQ(ListNames(folder / "Sub\\*.lnk"), Names{});
-}
-
 struct MaskRow {
   const char *mask;
   Names expected;
@@ -34,11 +22,13 @@ struct MaskRow {
 TEST(FindFiles, MasksMatchAsTheFileSystemMatchesThem) {
   ScratchFolder folder;
   for (const char *name :
-       {"x.lnk", "Y.LNK", "a.b.lnk", "lnk", "noext", "two.dots.txt", "a.lnkx", "ab.txt", "a.txt", "abc.txt"})
+       {"x.lnk", "Y.LNK", "a.b.lnk", "lnk", "noext", "two.dots.txt", "a.lnkx", "ab.txt", "a.txt", "abc.txt", "_z"})
     folder.MakeFile(name);
   folder.MakeFolder("dir.lnk");
+  // Dots first, then NTFS's order of the upper-cased names: "_" (0x5F) comes after every letter, where a lower-case
+  // order would put it first.
   const Names all = {"a.b.lnk", "a.lnkx", "a.txt",        "ab.txt", "abc.txt", "dir.lnk",
-                     "lnk",     "noext",  "two.dots.txt", "x.lnk",  "Y.LNK"};
+                     "lnk",     "noext",  "two.dots.txt", "x.lnk",  "Y.LNK",   "_z"};
   Names withDots = {".", ".."};
   withDots.insert(withDots.end(), all.begin(), all.end());
   const MaskRow rows[] = {
@@ -48,7 +38,7 @@ TEST(FindFiles, MasksMatchAsTheFileSystemMatchesThem) {
       {"*", withDots, {}},
       {"*.*", withDots, {}},  // "*.*" is "*": names without a dot match
       // Only names without a dot. Wine drops the dot with the path's trailing dots and lists everything.
-      {"*.", {"lnk", "noext"}, withDots},
+      {"*.", {"lnk", "noext", "_z"}, withDots},
       // "?" may match nothing before a dot (Wine's "?" always takes one character).
       {"a?.txt", {"a.txt", "ab.txt"}, {"ab.txt"}},
       {"a??.txt", {"a.txt", "ab.txt", "abc.txt"}, {"abc.txt"}},
@@ -62,35 +52,9 @@ TEST(FindFiles, MasksMatchAsTheFileSystemMatchesThem) {
     const Names &expected = row.wine.empty() ? row.expected : WindowsOrWine(row.expected, row.wine);
     EXPECT_EQ(ListNames(folder / row.mask), expected) << row.mask;
   }
-}
-
-TEST(FindFiles, DotsInAPatternAreResolvedBeforeTheSearch) {
-  ScratchFolder folder;
-  folder.MakeFolder("dir");
-  std::string own = folder.Path().substr(folder.Path().rfind('\\') + 1);
-  EXPECT_EQ(ListNames(folder / "dir\\."), Names{"dir"});  // "C:\x\dir\." is "C:\x\dir": the entry dir in C:\x
-  EXPECT_EQ(ListNames(folder / "dir\\.."), Names{own});
-}
-
-TEST(FindFiles, TheEndOfAListingStaysTheEndAndAClosedSearchIsGone) {
-  ScratchFolder folder;
-  folder.MakeFile("Notes.TXT", "12345");
-  // A name without wildcards gives one entry, spelled as on disk, then the end.
-  WIN32_FIND_DATAA data;
-  HANDLE search = FindFirstFileA((folder / "notes.txt").c_str(), &data);
-  ASSERT_NE(search, INVALID_HANDLE_VALUE) << GetLastError();
-  EXPECT_STREQ(data.cFileName, "Notes.TXT");
-  EXPECT_EQ(data.nFileSizeLow, 5u);
-  EXPECT_EQ(data.nFileSizeHigh, 0u);
-  for (int call = 0; call < 2; ++call) {
-    SetLastError(0);
-    EXPECT_FALSE(FindNextFileA(search, &data)) << call;
-    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_NO_MORE_FILES)) << call;
-  }
-  EXPECT_TRUE(FindClose(search));
-  SetLastError(0);
-  EXPECT_FALSE(FindClose(INVALID_HANDLE_VALUE));
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INVALID_HANDLE));
+  // A folder with nothing in it still has its dots.
+  EXPECT_EQ(ListNames(folder / "dir.lnk\\*"), (Names{".", ".."}));
+  EXPECT_EQ(ListNames(folder / "dir.lnk\\*.lnk"), Names{});
 }
 
 struct ErrorRow {
@@ -105,11 +69,8 @@ TEST(FindFiles, FailuresGiveWindowsErrors) {
   const ErrorRow rows[] = {
       {"", ERROR_PATH_NOT_FOUND},
       {folder / "", ERROR_FILE_NOT_FOUND},  // a pattern that ends in "\" names no entry
-      {folder / "dir\\", ERROR_FILE_NOT_FOUND},
       {folder / "*.nothing", ERROR_FILE_NOT_FOUND},
-      {folder / "absent.txt", ERROR_FILE_NOT_FOUND},
       {folder / "absent\\*", ERROR_PATH_NOT_FOUND},
-      {folder / "absent\\deeper\\*", ERROR_PATH_NOT_FOUND},
       {folder / "file.txt\\*", ERROR_INVALID_NAME},  // a file's name with a backslash behind it
       {folder / "d*\\*", ERROR_INVALID_NAME},
       {folder / "a|b", ERROR_FILE_NOT_FOUND},  // a name no entry can have
