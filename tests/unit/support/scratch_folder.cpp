@@ -103,21 +103,6 @@ FirstFound FindFirst(const std::string &pattern) {
   return result;
 }
 
-bool WineRunsAsRoot() {
-  if (!RunningUnderWine()) return false;
-  // Wine's Z: is the Linux root, so the process can read its own status there.
-  HANDLE status =
-      CreateFileA("Z:\\proc\\self\\status", GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-  if (status == INVALID_HANDLE_VALUE) return false;
-  std::string text(4096, '\0');
-  DWORD got = 0;
-  ReadFile(status, &text[0], static_cast<DWORD>(text.size()), &got, nullptr);
-  CloseHandle(status);
-  text.resize(got);
-  size_t uid = text.find("\nUid:");
-  return uid != std::string::npos && std::strtoul(text.c_str() + uid + 5, nullptr, 10) == 0;
-}
-
 bool RunningUnderWine() {
 #ifdef _WIN32
   HMODULE ntdll = GetModuleHandleA("ntdll.dll");

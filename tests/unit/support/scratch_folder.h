@@ -53,8 +53,6 @@ struct FirstFound {
 FirstFound FindFirst(const std::string &pattern);
 // True when the tests run under Wine rather than on Windows or on Linux.
 bool RunningUnderWine();
-// True under Wine when it runs as root, which lets Linux permissions allow what Windows would refuse.
-bool WineRunsAsRoot();
 // Where Wine answers otherwise than Windows, a test names both answers: Windows' own, which the Linux backend gives,
 // and Wine's. Neither check is loosened, and a change in either shows.
 template <typename T>
