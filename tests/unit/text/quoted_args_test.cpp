@@ -12,10 +12,8 @@ TEST(Quotes, BalanceQuotes) {
     const char *before;
     int keep;
     const char *after;
-  } rows[] = {
-      {"\"a b", 0, "\"a b\""}, {"a b\"", 0, "\"a b\""}, {"\"ab\"", 0, "ab"}, {"\"ab", 0, "ab"},
-      {"\"ab\"", 1, "\"ab\""}, {"\"ab", 1, "\"ab\""},   {"\"", 0, "\""},     {"", 0, ""},
-  };
+  } rows[] = {{"\"a b", 0, "\"a b\""}, {"a b\"", 0, "\"a b\""}, {"\"ab\"", 0, "ab"}, {"\"ab", 0, "ab"},
+              {"\"ab\"", 1, "\"ab\""}, {"\"ab", 1, "\"ab\""},   {"\"", 0, "\""},     {"", 0, ""}};
   for (const Row &row : rows) {
     char text[16];
     std::strcpy(text, row.before);
