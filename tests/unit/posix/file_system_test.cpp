@@ -1,5 +1,5 @@
 // The Linux backend's file system where Linux shows through: the drive table, the current folder, names spelled in
-// more than one case, symbolic links, permission bits, names Windows cannot hold and the search path. Files
+// more than one case, symbolic links, permission bits, and names Windows cannot hold. Files
 // are made with the C library here, so that a test can set up what Windows could not.
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -247,41 +247,6 @@ TEST_F(LinuxDisk, AnEntryThatGoesAwayDuringAListingIsPassedOver) {
   EXPECT_STREQ(data.cFileName, "c");
   EXPECT_FALSE(FindNextFileA(search, &data));
   FindClose(search);
-}
-
-// Sets an environment variable for one test and puts it back.
-struct SavedVariable {
-  explicit SavedVariable(const char *name) : name(name), had(std::getenv(name)), value(had ? std::getenv(name) : "") {}
-  ~SavedVariable() {
-    had ? setenv(name.c_str(), value.c_str(), 1) : unsetenv(name.c_str());
-    tzset();
-  }
-  std::string name;
-  bool had;
-  std::string value;
-};
-
-// SearchPathA looks where Windows looks: the program's folder, the system folder and the Windows folder (from windir,
-// else SystemRoot), the current folder, then PATH. The file part and extensions are checked in full_path_test.cpp.
-TEST_F(LinuxDisk, SearchPathLooksInTheWindowsFoldersTheCurrentFolderAndPath) {
-  SavedVariable path("PATH"), windir("windir"), systemRoot("SystemRoot");
-  for (const char *folder : {"bin", "Win", "system32"}) MakeFolder(folder);
-  for (const char *file : {"bin/tool.exe", "here.txt", "Win/win.exe", "system32/root.exe"}) Touch(file);
-  setenv("PATH", ("/nonexistent-kelmaro:" + Linux("bin")).c_str(), 1);
-  unsetenv("windir");
-  setenv("SystemRoot", "T:/Win/", 1);
-  ASSERT_TRUE(SetCurrentDirectoryA("T:\\"));
-  auto search = [](const char *name) {
-    char buffer[MAX_PATH];
-    SetLastError(0);
-    DWORD length = SearchPathA(nullptr, name, nullptr, sizeof buffer, buffer, nullptr);
-    return length ? std::string(buffer, length) : "error " + std::to_string(GetLastError());
-  };
-  EXPECT_EQ(search("tool.exe"), "T:\\bin\\tool.exe");
-  EXPECT_EQ(search("here.txt"), "T:\\here.txt");
-  EXPECT_EQ(search("win.exe"), "T:\\Win\\win.exe");
-  setenv("windir", "T:\\", 1);  // windir before SystemRoot, also when it is a root
-  EXPECT_EQ(search("root.exe"), "T:\\system32\\root.exe");
 }
 
 }  // namespace

@@ -103,10 +103,8 @@ TEST(LnkFile, TargetComesFromTheRecordsInWindowsOrder) {
     EnvironmentLookup *environment;
     const char *target;
   } rows[] = {
-      {"UNC priority: the share", {}, true, false, &set, "\\\\server\\share\\both.exe"},
       {"the environment text, expanded", {}, false, false, &set, "D:\\set\\env.exe"},
       {"raw path without UNC priority", {}, false, true, &set, "%DIR%\\env.exe"},
-      {"a name not set: LinkInfo's local path", {}, false, false, &unset, "C:\\local\\both.exe"},
       {"the environment block without its flag is not read", {flagOff}, false, false, &set, "C:\\local\\both.exe"},
       {"no local path: the mapped drive", {noLocal}, false, false, &unset, "N:\\both.exe"},
       {"a share's root: no suffix", {noSuffix}, true, false, &unset, "\\\\server\\share"},

@@ -80,18 +80,6 @@ TEST(LnkIdList, BuildsListsThatReadBack) {
   EXPECT_EQ(Utf8(path), "untouched");
 }
 
-TEST(LnkIdList, FatDateAndTime) {
-  struct Row {
-    uint64_t fileTime;
-    uint32_t dos;
-  } rows[] = {
-      {0x01C91515F2EEE9D0u, 0xA368392C},  // 2008-09-12 20:27:17.1: FAT keeps even seconds
-      {159992927990000000u, 0xBF7DFF9F},  // 2107-12-31 23:59:58, the last FAT time
-      {159992928000000000u, 0},           // 2108
-  };
-  for (const Row &row : rows) EXPECT_EQ(FileTimeToDosDateTime(row.fileTime), row.dos) << row.fileTime;
-}
-
 TEST(LnkLinkInfo, RefusesOffsetsThatLeadOutside) {
   // Each row damages one field of a Windows 7 LinkInfo (size 0x68), which is then cut to `length`.
   struct Row {

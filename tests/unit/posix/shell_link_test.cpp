@@ -1,5 +1,5 @@
-// The shell link objects of the Linux backend, called as the engine calls them: COM creation, reading a shortcut,
-// writing one, the limits of what a shortcut may hold, and the file errors of Load and Save.
+// The shell link objects of the Linux backend, called as the engine calls them: reading a shortcut, writing one, the
+// limits of what a shortcut may hold, and the file errors of Load and Save.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -295,16 +295,6 @@ TEST(ShortcutFiles, AFileIsReadWholeUpToTheLimit) {
       EXPECT_EQ(read, bytes) << size;
     }
   }
-}
-
-// The conversion that the engine and lnk_tool make of a shortcut's path for Load and Save.
-TEST(CodePages, ShiftJisToWide) {
-  wchar_t wide[8];
-  EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "表x", -1, wide, 8), 3);  // the terminator counted
-  EXPECT_STREQ(wide, L"表x");
-  SetLastError(0);
-  EXPECT_EQ(MultiByteToWideChar(CP_ACP, 0, "abcdefghi", -1, wide, 8), 0);
-  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_INSUFFICIENT_BUFFER));
 }
 
 }  // namespace
