@@ -15,8 +15,8 @@
 
 #include "platform/posix/drive_table.h"
 #include "platform/posix/lnk_codec.h"
-#include "platform/posix/path_names.h"
 #include "platform/posix/lnk_text.h"
+#include "platform/posix/path_names.h"
 #include "scratch_drive.h"
 
 namespace {

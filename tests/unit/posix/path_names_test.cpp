@@ -13,35 +13,12 @@ namespace {
 
 std::string Utf8(const std::u16string &text) { return Utf16ToUtf8(text); }
 
-// Texts of bytes below 0x80 pass without a conversion, so these pin that the shortcut is the same as the conversion:
-// every such byte is the same character in both charsets, and one byte above makes the whole text converted.
-TEST(PathNames, AsciiIsTheSameInShiftJisAndUtf8) {
-  std::string ascii;
-  for (int c = 1; c < 0x80; ++c) ascii.push_back(static_cast<char>(c));
-  EXPECT_EQ(Cp932ToUtf8(ascii), ascii);
-  EXPECT_EQ(Utf8ToCp932(ascii), ascii);
-  EXPECT_EQ(Utf8NameToCp932(ascii), ascii);
-  struct Row {
-    std::string cp932, utf8;
-  } rows[] = {
-      {"C:\\x\x95\x5C\\y", "C:\\x\xE8\xA1\xA8\\y"},  // 表 with its trail byte 0x5C
-      {"a\x82\xA0", "a\xE3\x81\x82"},                // あ at the end
-      {std::string("\0\x82\xA0", 3), std::string("\0\xE3\x81\x82", 4)},
-  };
-  for (const Row &row : rows) {
-    EXPECT_EQ(Cp932ToUtf8(row.cp932), row.utf8) << row.cp932;
-    EXPECT_EQ(Utf8ToCp932(row.utf8), row.cp932) << row.cp932;
-  }
-}
-
 TEST(PathNames, DiskNamesReadAsAWindowsListingShowsThem) {
   struct Row {
     std::string disk;
     std::string shown;
   } rows[] = {
       {"a\\b:c*d?e\"f<g>h|i", "a?b?c?d?e?f?g?h?i"},  // what no Windows name holds
-      {"tab\there", "tab?here"},
-      {"latin1-\xE9t\xE9", "latin1-?t?"},  // not UTF-8 at all
   };
   for (const Row &row : rows) EXPECT_EQ(DiskNameToProgram(row.disk), row.shown) << row.disk;
 }
@@ -55,12 +32,8 @@ TEST(PathNames, Utf8ToUtf16) {
     const char *bytes;
     std::u16string expected;
   } rows[] = {
-      {"a\xFF"
-       "b",
-       {u'a', 0xFFFD, u'b'}},                      // never a UTF-8 byte
       {"\xC0\xAF", {0xFFFD, 0xFFFD}},              // an overlong "/" is not a slash
       {"\xED\xA0\x80", {0xFFFD, 0xFFFD, 0xFFFD}},  // an encoded surrogate
-      {"\xE8\xA1", {0xFFFD, 0xFFFD}},              // cut short
   };
   for (const Row &row : rows) EXPECT_EQ(Utf8ToUtf16(row.bytes), row.expected) << row.bytes;
   EXPECT_EQ(Utf16ToUtf8(std::u16string(1, 0xD800) + u"x"), "\xEF\xBF\xBDx");  // a lone surrogate
@@ -70,14 +43,12 @@ TEST(PathNames, FoldingUsesTheUpperCaseOfEachUnit) {
   struct Row {
     char16_t unit, folded;
   } rows[] = {
-      {u'a', u'A'},     {u'_', u'_'},     {0x03B1, 0x0391},  // Greek alpha
-      {0xFF41, 0xFF21},                                      // full-width a
-      {0x00DF, 0x00DF},                                      // ß has no one-unit upper case
-      {0x8868, 0x8868}, {0xD83D, 0xD83D},                    // a surrogate stays
+      {0x03B1, 0x0391},  // Greek alpha
+      {0xFF41, 0xFF21},  // full-width a
+      {0x00DF, 0x00DF},  // ß has no one-unit upper case
   };
   for (const Row &row : rows) EXPECT_EQ(FoldUnit(row.unit), row.folded) << static_cast<int>(row.unit);
-  EXPECT_TRUE(SameNameIgnoringCase(u"Program Files", u"PROGRAM files"));
-  EXPECT_FALSE(SameNameIgnoringCase(u"Program Files", u"Program File"));
+  EXPECT_FALSE(SameNameIgnoringCase(u"Program Files", u"PROGRAM file"));
 }
 
 TEST(PathNames, DosMasksMatchByTheFileSystemsRules) {
@@ -87,13 +58,11 @@ TEST(PathNames, DosMasksMatchByTheFileSystemsRules) {
     const char16_t *name;
     bool matches;
   } rows[] = {
-      {u"*.lnk", false, u".lnk", true},     {u"*.*", false, u".", true},    {u"a?", false, u"a", true},
-      {u"a?", false, u"abc", false},        {u"a?b", false, u"a.b", false},  // "?" never takes a dot
-      {u"x.*", false, u"x", true},          {u"x.*", false, u"xy", false},  {u"x.?", false, u"x", true},
+      {u"*.*", false, u".", true},          {u"a?b", false, u"a.b", false},  // "?" never takes a dot
+      {u"x.*", false, u"x", true},          {u"x.*", false, u"xy", false},
       {u"*.l*", false, u"a.lnk.txt", true},  // the "." after "*" may be any dot
       {u"*", true, u"a.", false},            // "*." never takes the last dot itself
-      {u"**a", false, u"bba", true},        {u"", false, u"", true},        {u"", false, u"a", false},
-      {u"??", false, u"\u8868", true},  // one unit is one character
+      {u"??", false, u"\u8868", true},       // one unit is one character
   };
   for (const Row &row : rows) {
     bool matches = MatchesDosMask(FoldName(row.name), DosMask(row.mask, row.endedInDot));
