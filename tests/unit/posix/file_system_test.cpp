@@ -249,4 +249,41 @@ TEST_F(LinuxDisk, AnEntryThatGoesAwayDuringAListingIsPassedOver) {
   FindClose(search);
 }
 
+// Puts an environment variable back as it was.
+struct SavedVariable {
+  explicit SavedVariable(const char *name) : name(name), had(std::getenv(name)), value(had ? std::getenv(name) : "") {}
+  ~SavedVariable() { had ? setenv(name.c_str(), value.c_str(), 1) : unsetenv(name.c_str()); }
+  std::string name;
+  bool had;
+  std::string value;
+};
+
+// A target typed without a folder is found where Windows looks for it.
+TEST_F(LinuxDisk, SearchPathLooksInTheWindowsFoldersTheCurrentFolderAndPath) {
+  SavedVariable path("PATH"), windir("windir"), systemRoot("SystemRoot");
+  for (const char *folder : {"bin", "Win", "Win/system32", "system32"}) MakeFolder(folder);
+  for (const char *file : {"bin/tool.exe", "here.txt", "Win/system32/sys.exe", "Win/win.exe", "system32/root.exe"})
+    Touch(file);
+  setenv("PATH", ("/nonexistent-kelmaro:" + Linux("bin")).c_str(), 1);
+  unsetenv("windir");
+  setenv("SystemRoot", "T:/Win/", 1);
+  ASSERT_TRUE(SetCurrentDirectoryA("T:\\"));
+  auto search = [](const char *name) {
+    char buffer[MAX_PATH];
+    SetLastError(0);
+    DWORD length = SearchPathA(nullptr, name, nullptr, sizeof buffer, buffer, nullptr);
+    return length ? std::string(buffer, length) : "error " + std::to_string(GetLastError());
+  };
+  EXPECT_EQ(search("tool.exe"), "T:\\bin\\tool.exe");
+  EXPECT_EQ(search("here.txt"), "T:\\here.txt");
+  EXPECT_EQ(search("sys.exe"), "T:\\Win\\system32\\sys.exe");
+  EXPECT_EQ(search("win.exe"), "T:\\Win\\win.exe");
+  EXPECT_EQ(search("absent.exe"), "error 2");  // ERROR_FILE_NOT_FOUND
+  setenv("windir", "T:\\", 1);                 // windir before SystemRoot, also when it is a root
+  EXPECT_EQ(search("root.exe"), "T:\\system32\\root.exe");
+  unsetenv("SystemRoot");
+  setenv("windir", "/usr/share", 1);  // not a drive path: no Windows folder
+  EXPECT_EQ(search("win.exe"), "error 2");
+}
+
 }  // namespace

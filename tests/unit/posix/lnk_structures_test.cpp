@@ -196,4 +196,22 @@ TEST(LnkExtraData, WritesFixedSizeEnvironmentBlocks) {
   EXPECT_EQ(back.iconEnvironmentTarget, std::u16string(259, u'表'));
 }
 
+// ID list items carry FAT times, as Explorer shows them without opening the file.
+TEST(LnkIdList, FatDateAndTime) {
+  struct Row {
+    uint64_t fileTime;
+    uint32_t dos;
+  } rows[] = {
+      {0x01C91515F2EEE9D0u, 0xA368392C},  // 2008-09-12 20:27:17.1: FAT keeps even seconds
+      {119600064000000000u, 0x00000021},  // 1980-01-01 00:00:00
+      {119600063990000000u, 0},           // one second before 1980
+      {0, 0},
+      {131958720000000000u, 0x00004E61},  // 2019-03-01, after a February of 28 days
+      {132274080000000000u, 0x0000505D},  // 2020-02-29
+      {159992927990000000u, 0xBF7DFF9F},  // 2107-12-31 23:59:58, the last FAT time
+      {159992928000000000u, 0},           // 2108
+  };
+  for (const Row &row : rows) EXPECT_EQ(FileTimeToDosDateTime(row.fileTime), row.dos) << row.fileTime;
+}
+
 }  // namespace
