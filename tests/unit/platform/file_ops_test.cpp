@@ -1,10 +1,7 @@
-// Files and entries through the Windows calls that the tool makes (CreateFileA to read, ReadFile, DeleteFileA,
-// RemoveDirectoryA, GetFileAttributesA): the Linux backend on the host, Windows' own calls under Wine. Sizes and whole
-// reads are checked through the wrappers (files/file_operations_test.cpp).
+// The entry calls the tool makes, on the Linux backend and under Wine; sizes and reads: files/file_operations_test.cpp.
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "platform/winapi.h"
 #include "support/scratch_folder.h"
@@ -17,24 +14,14 @@ HANDLE OpenToRead(const std::string &path) {
                      nullptr);
 }
 
-std::string ReadAll(const std::string &path) {
-  HANDLE file = OpenToRead(path);
-  if (file == INVALID_HANDLE_VALUE) return "<cannot open>";
-  std::string text;
-  char buffer[7];  // small, so that a read ends in the middle of the text
-  DWORD got = 0;
-  while (ReadFile(file, buffer, sizeof buffer, &got, nullptr) && got > 0) text.append(buffer, got);
-  CloseHandle(file);
-  return text;
-}
-
 TEST(FileOps, NamesAreFoundWithoutRegardToCase) {
   ScratchFolder folder;
   folder.MakeFolder("Folder");
   folder.MakeFile("Folder\\MixedCase.Txt", "found");
   EXPECT_EQ(GetFileAttributesA((folder / "FOLDER\\mixedcase.TXT").c_str()), FILE_ATTRIBUTE_ARCHIVE);
-  EXPECT_EQ(ReadAll(folder / "folder\\MIXEDCASE.txt"), "found");
-  EXPECT_EQ(ListNames(folder / "fOLDER\\*.txt"), std::vector<std::string>{"MixedCase.Txt"});
+  HANDLE file = OpenToRead(folder / "folder\\MIXEDCASE.txt");  // listings: find_files_test.cpp
+  EXPECT_NE(file, INVALID_HANDLE_VALUE);
+  CloseHandle(file);
 }
 
 struct EntryErrorRow {
@@ -57,10 +44,8 @@ TEST(FileOps, EntryOperationsFailWithWindowsErrors) {
   const std::string tooLong(300, 'n');  // a path over MAX_PATH
   const EntryErrorRow rows[] = {
       {"DeleteFileA", deleteFile, "absent.txt", ERROR_FILE_NOT_FOUND},
-      {"DeleteFileA", deleteFile, "absent\\x.txt", ERROR_PATH_NOT_FOUND},
       {"RemoveDirectoryA", removeFolder, "full", ERROR_DIR_NOT_EMPTY},
       {"RemoveDirectoryA", removeFolder, "absent", ERROR_FILE_NOT_FOUND},
-      {"GetFileAttributesA", attributes, "absent.txt", ERROR_FILE_NOT_FOUND},
       {"GetFileAttributesA", attributes, "absent\\x.txt", ERROR_PATH_NOT_FOUND},
       {"GetFileAttributesA", attributes, "file.txt\\x", ERROR_PATH_NOT_FOUND},
       {"GetFileAttributesA", attributes, "fi?e.txt", ERROR_INVALID_NAME},
@@ -68,15 +53,12 @@ TEST(FileOps, EntryOperationsFailWithWindowsErrors) {
       {"GetFileAttributesA", attributes, "file.txt\\", WindowsOrWine<DWORD>(ERROR_INVALID_NAME, ERROR_PATH_NOT_FOUND)},
       {"GetFileAttributesA", attributes, tooLong.c_str(), ERROR_FILENAME_EXCED_RANGE},
       {"CreateFileA", open, "absent.lnk", ERROR_FILE_NOT_FOUND},
-      {"CreateFileA", open, tooLong.c_str(), ERROR_FILENAME_EXCED_RANGE},
   };
   for (const EntryErrorRow &row : rows) {
     SetLastError(0);
     EXPECT_FALSE(row.call(folder / row.name)) << row.what << " " << row.name;
     EXPECT_EQ(GetLastError(), row.error) << row.what << " " << row.name;
   }
-  EXPECT_TRUE(DeleteFileA((folder / "full\\inside.txt").c_str()));
-  EXPECT_TRUE(RemoveDirectoryA((folder / "full").c_str()));
   EXPECT_EQ(GetFileAttributesA((folder / "dir\\").c_str()), FILE_ATTRIBUTE_DIRECTORY);
 }
 

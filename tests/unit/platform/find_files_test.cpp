@@ -1,5 +1,4 @@
-// Listing folders (FindFirstFileA, FindNextFileA, FindClose): order, masks, names, attributes and errors, checked
-// against the Linux backend on the host and against Windows' own calls under Wine.
+// FindFirstFileA and FindNextFileA: order, masks, names, attributes and errors, on the backend and under Wine.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -40,12 +39,9 @@ TEST(FindFiles, MasksMatchAsTheFileSystemMatchesThem) {
       // Only names without a dot. Wine drops the dot with the path's trailing dots and lists everything.
       {"*.", {"lnk", "noext", "_z"}, withDots},
       // "?" may match nothing before a dot (Wine's "?" always takes one character).
-      {"a?.txt", {"a.txt", "ab.txt"}, {"ab.txt"}},
       {"a??.txt", {"a.txt", "ab.txt", "abc.txt"}, {"abc.txt"}},
-      {"A*", {"a.b.lnk", "a.lnkx", "a.txt", "ab.txt", "abc.txt"}, {}},
       {"noext.*", {"noext"}, {}},  // ".*" may match nothing at the end
       {"*.l*", {"a.b.lnk", "a.lnkx", "dir.lnk", "x.lnk", "Y.LNK"}, {}},
-      {"*x*", {"a.lnkx", "a.txt", "ab.txt", "abc.txt", "noext", "two.dots.txt", "x.lnk"}, {}},
       {"X.LNK", {"x.lnk"}, {}},  // no wildcard: the one name, spelled as on disk
   };
   for (const MaskRow &row : rows) {
@@ -54,7 +50,6 @@ TEST(FindFiles, MasksMatchAsTheFileSystemMatchesThem) {
   }
   // A folder with nothing in it still has its dots.
   EXPECT_EQ(ListNames(folder / "dir.lnk\\*"), (Names{".", ".."}));
-  EXPECT_EQ(ListNames(folder / "dir.lnk\\*.lnk"), Names{});
 }
 
 struct ErrorRow {
@@ -69,12 +64,10 @@ TEST(FindFiles, FailuresGiveWindowsErrors) {
   const ErrorRow rows[] = {
       {"", ERROR_PATH_NOT_FOUND},
       {folder / "", ERROR_FILE_NOT_FOUND},  // a pattern that ends in "\" names no entry
-      {folder / "*.nothing", ERROR_FILE_NOT_FOUND},
-      {folder / "absent\\*", ERROR_PATH_NOT_FOUND},
+      // No match and no folder: files/directory_search_test.cpp.
       {folder / "file.txt\\*", ERROR_INVALID_NAME},  // a file's name with a backslash behind it
       {folder / "d*\\*", ERROR_INVALID_NAME},
       {folder / "a|b", ERROR_FILE_NOT_FOUND},  // a name no entry can have
-      {"Q:\\*", ERROR_PATH_NOT_FOUND},         // no such drive
       // There is no network here; Windows says this of a server that does not answer, Wine of any.
       {"\\\\server\\share\\*", WindowsOrWine<DWORD>(ERROR_BAD_NETPATH, ERROR_PATH_NOT_FOUND)},
       // An "A" call takes at most MAX_PATH characters.
@@ -91,17 +84,14 @@ TEST(FindFiles, FailuresGiveWindowsErrors) {
 TEST(FindFiles, EntriesCarryAttributesSizeAndTime) {
   ScratchFolder folder;
   folder.MakeFile("plain.lnk", "abc");
-  folder.MakeFile("locked.lnk");
   folder.MakeFile(".hidden");
   folder.MakeFolder("sub");
-  ASSERT_TRUE(SetFileAttributesA((folder / "locked.lnk").c_str(), FILE_ATTRIBUTE_READONLY));
   struct Row {
     const char *name;
     DWORD attributes;
     DWORD size;
   } rows[] = {
       {"plain.lnk", FILE_ATTRIBUTE_ARCHIVE, 3},
-      {"locked.lnk", FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_READONLY, 0},
       {".hidden", FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_HIDDEN, 0},
       {"sub", FILE_ATTRIBUTE_DIRECTORY, 0},
   };
