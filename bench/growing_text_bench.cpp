@@ -16,7 +16,7 @@
 #include <string>
 #include <vector>
 
-#include "text/growing_text.h"
+#include "reports/memory_reports.h"
 
 #ifdef __GLIBC__
 #include <malloc.h>

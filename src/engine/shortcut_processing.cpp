@@ -15,11 +15,12 @@
 #include "machine/environment_strings.h"
 #include "machine/network_paths.h"
 #include "reports/last_error.h"
+#include "reports/memory_reports.h"
 #include "reports/result_text.h"
-#include "resources/resource_strings.h"
-#include "text/growing_text.h"
+#include "resources/message_ids.h"
 #include "text/memory_blocks.h"
 #include "text/path_strings.h"
+#include "text/resource_strings.h"
 #include "text/tokens.h"
 
 namespace {
@@ -30,18 +31,18 @@ int headerWritten = 0;
 // The line that field names are formatted into, shared by the rows of one shortcut.
 char resultLine[kPathSize];
 
-const unsigned kFieldTarget = 8294;
-const unsigned kFieldArguments = 8295;
-const unsigned kFieldIcon = 8296;
-const unsigned kFieldFolder = 8297;
+const unsigned kFieldTarget = kMsgFieldTarget;
+const unsigned kFieldArguments = kMsgFieldArguments;
+const unsigned kFieldIcon = kMsgFieldIcon;
+const unsigned kFieldFolder = kMsgFieldWorkingFolder;
 
 void WriteSimulationHead(HWND window, unsigned flags) {
   if (!(flags & kProcessSimulate)) return;
-  LoadStrings(8298, 8298);
+  LoadStrings(kMsgSimulationMark, kMsgSimulationMark);
   HGLOBAL handle = nullptr;
   char *copy = StoreAndLockBlock(&handle, nullptr, FirstSlotText());
   SetKeptLastError(0);
-  AddResultEntry(window, copy, nullptr, nullptr, 8113, 0);
+  AddResultEntry(window, copy, nullptr, nullptr, kMsgChangedItemsHeading, 0);
   ReleaseBlock(handle, copy);
 }
 

@@ -5,15 +5,15 @@
 #include <cstdio>
 #include <cstring>
 
-#include "console/console_prompt.h"
 #include "engine/shell_link_api.h"
 #include "files/exact_names.h"
 #include "files/file_operations.h"
 #include "machine/drive_inventory.h"
 #include "machine/environment_strings.h"
 #include "machine/network_paths.h"
-#include "resources/resource_strings.h"
-#include "text/growing_text.h"
+#include "reports/error_reporter.h"
+#include "reports/memory_reports.h"
+#include "resources/message_ids.h"
 #include "text/memory_blocks.h"
 #include "text/myjctype.h"
 #include "text/path_strings.h"
@@ -73,12 +73,7 @@ void RepairTargetText(HWND window, const char *workingFolder, const char *rawTar
     JoinPath(result, folder, result);
   }
   if (*rawTarget != 0 && (status & kReadMissingDrive)) {
-    if ((localMode & 0x22) && !quietReader) {
-      char message[2 * kPathSize];
-      LoadStrings(8292, 8290);
-      std::snprintf(message, sizeof message, FirstSlotText(), rawTarget);
-      ConsolePrompt(window, message, SecondSlotText(), 0x30);
-    }
+    if ((localMode & 0x22) && !quietReader) ReportMissingLinkTarget(window, rawTarget);
     CopyText(result, rawTarget);
   }
 }

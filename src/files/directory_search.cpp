@@ -7,6 +7,7 @@
 #include "machine/network_listing.h"
 #include "machine/network_paths.h"
 #include "reports/last_error.h"
+#include "reports/memory_reports.h"
 #include "text/myjctype.h"
 #include "text/path_strings.h"
 #include "text/tokens.h"

@@ -6,9 +6,10 @@
 
 #include "files/error_numbers.h"
 #include "machine/drive_inventory.h"
-#include "machine/network_paths.h"
 #include "machine/known_folders.h"
+#include "machine/network_paths.h"
 #include "reports/last_error.h"
+#include "reports/memory_reports.h"
 #include "text/memory_blocks.h"
 #include "text/myjctype.h"
 #include "text/path_strings.h"

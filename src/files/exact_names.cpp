@@ -10,6 +10,7 @@
 #include "machine/network_paths.h"
 #include "platform/winapi.h"
 #include "reports/last_error.h"
+#include "reports/memory_reports.h"
 #include "text/memory_blocks.h"
 #include "text/myjctype.h"
 #include "text/path_strings.h"
@@ -214,4 +215,22 @@ void FillShortName(char *longName, char *shortName) {
     if (IsLeadByte(c) || IsCharLowerA(static_cast<CHAR>(c))) return;
   }
   FoldPathCase(longName, nullptr, 0);
+}
+
+char *FindNoCase(const char *text, const char *pattern) {
+  if (text == nullptr || pattern == nullptr || std::strlen(text) < std::strlen(pattern)) return nullptr;
+  HGLOBAL textHandle = nullptr;
+  HGLOBAL patternHandle = nullptr;
+  char *textCopy = StoreAndLockBlock(&textHandle, nullptr, text);
+  char *patternCopy = StoreAndLockBlock(&patternHandle, nullptr, pattern);
+  char *result = nullptr;
+  if (textCopy != nullptr && patternCopy != nullptr) {
+    LowerText(textCopy);
+    LowerText(patternCopy);
+    char *hit = FindText(textCopy, patternCopy);
+    if (hit != nullptr) result = const_cast<char *>(text) + (hit - textCopy);
+  }
+  ReleaseBlock(textHandle, textCopy);
+  ReleaseBlock(patternHandle, patternCopy);
+  return result;
 }

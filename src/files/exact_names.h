@@ -33,3 +33,9 @@ void FillShortName(char *longName, char *shortName);
 int ExactPathInProgress(void);
 // Marks a walk as running (1) or not (0), for a caller that must keep walks from starting.
 void SetExactPathInProgress(int running);
+
+// The first occurrence of `pattern` in `text` without regard to the case of single-byte letters, at a character
+// boundary; the offset is that of `text`, whose case stays. Null when there is none.
+// The copies it folds are made with StoreAndLockBlock, so exhausted memory ends the run here as everywhere else; that
+// is why it lives above the reports, beside its one caller, and not with the other small string tools.
+char *FindNoCase(const char *text, const char *pattern);

@@ -11,10 +11,12 @@
 #include "files/path_views.h"
 #include "files/program_files.h"
 #include "machine/drive_inventory.h"
-#include "machine/network_paths.h"
 #include "machine/known_folders.h"
+#include "machine/network_paths.h"
 #include "reports/error_reporter.h"
 #include "reports/last_error.h"
+#include "reports/memory_reports.h"
+#include "resources/message_ids.h"
 #include "text/memory_blocks.h"
 #include "text/path_strings.h"
 #include "text/tokens.h"
@@ -32,7 +34,7 @@ typedef BOOL(WINAPI *GetFileSizeExCall)(HANDLE, PLARGE_INTEGER);
 GetFileSizeExCall fileSizeEx = nullptr;
 
 // Title of the access question for a refused delete or remove.
-const UINT kDeleteTitleId = 8117;
+const UINT kDeleteTitleId = kMsgDeleteTitle;
 const UINT kWarningStyle = 48;
 
 void MoveChangeCounter(int success) {

@@ -9,6 +9,7 @@
 #include "files/path_views.h"
 #include "reports/error_reporter.h"
 #include "reports/last_error.h"
+#include "reports/memory_reports.h"
 #include "text/memory_blocks.h"
 #include "text/myjctype.h"
 #include "text/path_strings.h"

@@ -15,9 +15,10 @@
 #include "machine/drive_inventory.h"
 #include "machine/system_info.h"
 #include "reports/result_text.h"
-#include "resources/resource_strings.h"
+#include "resources/message_ids.h"
 #include "text/memory_blocks.h"
 #include "text/path_strings.h"
+#include "text/resource_strings.h"
 #include "walker/walk_context.h"
 
 namespace {
@@ -74,7 +75,7 @@ unsigned ReplaceFromControls(unsigned mode) {
   }
   if (!WasAnyShortcutChanged()) {
     // "No changes" goes to a control that this edition does not have.
-    LoadStrings(8112, 8112);
+    LoadStrings(kMsgTargetMissingRemark, kMsgTargetMissingRemark);
     SetControlTextStub(nullptr, kIdResultsThere, FirstSlotText());
   }
   return 0;

@@ -4,7 +4,11 @@
 
 #include "platform/winapi.h"
 #include "resources/message_table.h"
-#include "text/tokens.h"
+
+namespace {
+// The Shift-JIS lead bytes. The platform layer stands beneath the text services, so it keeps its own test.
+bool IsLead(unsigned char c) { return (c >= 0x81 && c <= 0x9F) || (c >= 0xE0 && c <= 0xFC); }
+}  // namespace
 
 int KmLoadStringA(HINSTANCE, UINT id, LPSTR buffer, int bufferMax) {
   if (buffer == nullptr || bufferMax < 1) return 0;
@@ -18,7 +22,7 @@ int KmLoadStringA(HINSTANCE, UINT id, LPSTR buffer, int bufferMax) {
   // Walk by characters, so that a cut falls between two of them: a lead byte whose partner would not fit stays out.
   size_t length = 0;
   while (text[length] != 0) {
-    size_t step = IsLeadByte(static_cast<unsigned char>(text[length])) && text[length + 1] != 0 ? 2 : 1;
+    size_t step = IsLead(static_cast<unsigned char>(text[length])) && text[length + 1] != 0 ? 2 : 1;
     if (length + step > room) break;
     length += step;
   }

@@ -1,6 +1,13 @@
 // The error reporter. Not wired in yet: reports stay silent.
 #include "reports/error_reporter.h"
 
+#include <cstdio>
+
+#include "console/console_prompt.h"
+#include "resources/message_ids.h"
+#include "text/path_strings.h"
+#include "text/resource_strings.h"
+
 namespace {
 int networkMessagesQuiet = 0;
 }  // namespace
@@ -10,3 +17,14 @@ void SetNetworkMessagesQuiet(int value) { networkMessagesQuiet = value; }
 void SetReportStyle(unsigned, const char *) {}
 int ReportErrorWithAttributes(HWND, const char *, const char *, const char *, int) { return 0; }
 int ReportAccessProblem(DWORD, const char *, const char *, HMODULE, UINT, UINT) { return 0; }
+
+void ReportMissingLinkTarget(HWND window, const char *target) {
+  char message[2 * kPathSize];
+  LoadStrings(kMsgLinkTargetMissing, kMsgRunTitle);
+  std::snprintf(message, sizeof message, FirstSlotText(), target);
+  ConsolePrompt(window, message, SecondSlotText(), MB_ICONEXCLAMATION);
+}
+
+int AskAboutReadOnlyFolder(HWND owner, const char *path) {
+  return ConsolePrompt(owner, path, nullptr, MB_RETRYCANCEL | MB_ICONEXCLAMATION);
+}

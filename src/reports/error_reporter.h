@@ -17,3 +17,9 @@ int ReportErrorWithAttributes(HWND owner, const char *path, const char *text, co
 // the caller is to treat the operation as failed and try nothing more, -1 to go on, 0 when the error was not a refused
 // access. Not wired in yet: always 0, so the caller's own failure handling decides.
 int ReportAccessProblem(DWORD code, const char *name, const char *path, HMODULE module, UINT titleId, UINT style);
+// Tells that the drive of a shortcut's target `target` is not there ("ﾘﾝｸ先 %s はありません。", titled "実行", with
+// the warning icon) and waits for a key.
+void ReportMissingLinkTarget(HWND window, const char *target);
+// The question before a read-only folder is entered in the folder-removal mode: the folder's path, with Retry and
+// Cancel. Result: the prompt's button code.
+int AskAboutReadOnlyFolder(HWND owner, const char *path);

@@ -1,26 +1,15 @@
-// Growing texts in global blocks, and the one way out when memory for them runs out. A run appends hundreds of
-// thousands of rows to its result text, so an append must cost time in proportion to what it adds: see AppendToBlock.
+// Growing texts in global blocks. A run appends hundreds of thousands of rows to its result text, so an append must
+// cost time in proportion to what it adds: see AppendTextToBlock.
 #include "text/growing_text.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
-#include "console/console_prompt.h"
 #include "reports/last_error.h"
-#include "resources/resource_strings.h"
 
 namespace {
 
 const UINT kTextFlags = GMEM_MOVEABLE | GMEM_ZEROINIT;
-const unsigned kWarningStyle = 48;  // warning icon, any key
-const unsigned kStopStyle = 16;     // stop icon, any key
-
-const UINT kAppendTitleId = 8057;  // "AddToGlobalMemory() の警告"
-const UINT kStoreTitleId = 8058;   // "SaveToGlobalMemory() の警告"
-const UINT kAppendShortId = 8059;  // "の取り込みに失敗しました。"
-const UINT kAccessFailedId = 8060;  // "予期せぬｴﾗｰにより記憶領域のｱｸｾｽに失敗しました。"
-const UINT kMemoryExhaustedId = 8062;  // "ﾒﾓﾘｰｴﾗｰ: 記憶領域の確保失敗!!\n強制終了します。"
 
 // The text lengths of the last few blocks that these routines wrote, each with the block's stamp at the moment they
 // let go of it. A text block has no length word, and finding its end by scanning would make every append cost as much
@@ -60,15 +49,11 @@ bool RecallLength(HGLOBAL handle, size_t *length) {
   return false;
 }
 
-// FatalMemoryExit's state: `busy` while its message is being shown, `warned` once it has been.
-int fatalBusy = 0;
-int fatalWarned = 0;
-char fatalMessage[kStringSlotSize];
-
 }  // namespace
 
-HGLOBAL AppendToBlock(HWND owner, HGLOBAL handle, const char *text) {
+TextBlockOutcome AppendTextToBlock(HGLOBAL *slot, const char *text) {
   if (text == nullptr) text = "";
+  HGLOBAL handle = *slot;
   const size_t newLength = std::strlen(text);
   size_t oldLength = 0;
   HGLOBAL room = nullptr;
@@ -80,7 +65,7 @@ HGLOBAL AppendToBlock(HWND owner, HGLOBAL handle, const char *text) {
     bool lengthKnown = RecallLength(handle, &oldLength);
     char *old = static_cast<char *>(GlobalLock(handle));
     if (old == nullptr) {
-      oldLength = 0;  // the old text counts as empty; the lock below fails again and ends the run
+      oldLength = 0;  // the old text counts as empty; the lock below fails again and the block is lost
     } else {
       if (!lengthKnown) oldLength = std::strlen(old);
       // Room for a copy of the old text is asked of the heap before the block grows, and only if it is granted does
@@ -98,6 +83,7 @@ HGLOBAL AppendToBlock(HWND owner, HGLOBAL handle, const char *text) {
   }
   const bool oldKept = roomLocked != nullptr;
 
+  TextBlockOutcome outcome = kTextAppended;
   char *block = nullptr;
   if (handle != nullptr) {
     block = static_cast<char *>(GlobalLock(handle));
@@ -113,17 +99,14 @@ HGLOBAL AppendToBlock(HWND owner, HGLOBAL handle, const char *text) {
       written = oldLength + newLength;
     } else {
       // The block is new, or was not grown: the text is written from its start, over the old one. Deliberately cut to
-      // the block, which keeps its old size here, rather than written past its end; the warning below tells that the
-      // text is not what it should be.
+      // the block, which keeps its old size here, rather than written past its end; the caller's warning tells that
+      // the text is not what it should be.
       written = std::min(newLength, static_cast<size_t>(GlobalSize(handle)) - 1);
       std::memcpy(block, text, written);
       block[written] = 0;
     }
-    // Only the no-room path above can miss; its text is kept as it stands and the run goes on.
-    if (written != oldLength + newLength) {
-      LoadStrings(kAppendShortId, kAppendTitleId);
-      ConsolePrompt(owner, FirstSlotText(), SecondSlotText(), kWarningStyle);
-    }
+    // Only the no-room path above can miss; its text is kept as it stands.
+    if (written != oldLength + newLength) outcome = kTextCutShort;
     // A block that is still locked by somebody else may still be written to: its length is not worth keeping.
     if (!GlobalUnlock(handle)) RememberLength(handle, written);
   }
@@ -131,64 +114,30 @@ HGLOBAL AppendToBlock(HWND owner, HGLOBAL handle, const char *text) {
     if (roomLocked != nullptr) GlobalUnlock(room);
     GlobalFree(room);
   }
-  if (handle == nullptr) FatalMemoryExit(owner, kAppendTitleId, kAccessFailedId);
-  return handle;
+  *slot = handle;
+  return handle == nullptr ? kTextBlockLost : outcome;
 }
 
-HGLOBAL StoreToBlock(HWND owner, HGLOBAL handle, const char *text) {
+bool StoreTextInBlock(HGLOBAL *slot, const char *text) {
   if (text == nullptr) text = "";
   const size_t length = std::strlen(text);
   HGLOBAL result;
-  if (handle != nullptr) {
-    result = GlobalReAlloc(handle, length + 1, kTextFlags);
+  if (*slot != nullptr) {
+    result = GlobalReAlloc(*slot, length + 1, kTextFlags);
+    if (result == nullptr) GlobalFree(*slot);
   } else {
     SetKeptLastError(0);
     result = GlobalAlloc(kTextFlags, length + 1);
   }
-  if (result != nullptr) {
-    char *block = static_cast<char *>(GlobalLock(result));
-    if (block != nullptr) {
-      std::memcpy(block, text, length + 1);
-      if (!GlobalUnlock(result)) RememberLength(result, length);
-      return result;
-    }
+  *slot = nullptr;
+  if (result == nullptr) return false;
+  char *block = static_cast<char *>(GlobalLock(result));
+  if (block == nullptr) {
     GlobalFree(result);
+    return false;
   }
-  FatalMemoryExit(owner, kStoreTitleId, kAccessFailedId);
-}
-
-char *StoreAndLockBlock(HGLOBAL *slot, char *locked, const char *text) {
-  if (slot == nullptr || text == nullptr) return locked;
-  if (*slot != nullptr && locked != nullptr) GlobalUnlock(*slot);
-  *slot = StoreToBlock(nullptr, *slot, text);
-  char *copy = static_cast<char *>(GlobalLock(*slot));
-  if (copy == nullptr) {
-    GlobalFree(*slot);
-    *slot = nullptr;
-  }
-  return copy;
-}
-
-void FatalMemoryExit(HWND owner, UINT titleId, UINT detailId) {
-  // A failure while the message is being put together or shown must not show it again: straight to the exit.
-  if (!fatalBusy) {
-    fatalBusy = 1;
-    if (!fatalWarned) {
-      // The slots are reloaded for the title below, so the message is kept in a buffer of its own.
-      LoadStrings(kMemoryExhaustedId, 0);
-      std::strcpy(fatalMessage, FirstSlotText());
-      if (detailId != 0) {
-        std::strcat(fatalMessage, "\n");
-        LoadStrings(detailId, 0);
-        // Deliberately over the start of the buffer, not behind the line break: with a detail id, the detail alone is
-        // the message. Both callers pass 8060, so what users see is that one line, not the general text above it.
-        std::strcpy(fatalMessage, FirstSlotText());
-      }
-      LoadStrings(titleId, 0);
-      ConsolePrompt(owner, fatalMessage, FirstSlotText(), kStopStyle);
-    }
-    fatalBusy = 0;
-  }
-  fatalWarned = 1;
-  std::exit(-2);
+  std::memcpy(block, text, length + 1);
+  if (!GlobalUnlock(result)) RememberLength(result, length);
+  *slot = result;
+  return true;
 }

@@ -1,24 +1,24 @@
-// Texts kept in global blocks (the run's result text, the error reporter's message): append, store, duplicate. These
-// routines never give a failure back: they return a usable block or end the process with status -2.
+// Texts kept in global blocks (the run's result text, the error reporter's message, the walker's kept names): the
+// block work of an append and of a store, which tells what went wrong and never tells the user. The routines that the
+// rest of the program calls, and that end the run when memory runs out, stand on these (reports/memory_reports.h).
 #pragma once
 
 #include "platform/winapi.h"
 
-// Appends `text` (null reads as empty) to the text in the unlocked block `handle`, or starts a block with it when
-// `handle` is 0. The block then holds exactly the old text, the new one and a NUL: its size is their lengths plus
-// one, whatever it was before. Result: the block's handle, which may differ from `handle`; never 0. When the heap
-// cannot lend the room to keep the old text while the block grows, the block keeps its size, is written from its
-// start with as much of `text` as fits, and a warning ("AddToGlobalMemory() の警告") is shown; the run goes on. When
-// the block cannot be had, grown or locked, FatalMemoryExit ends the process. `owner` goes to the prompts only.
-HGLOBAL AppendToBlock(HWND owner, HGLOBAL handle, const char *text);
-// Makes the unlocked block `handle` (or a new one when it is 0) hold exactly `text` and its NUL, growing or shrinking
-// it to that size. Result: the block's handle; never 0. A block that cannot be had or locked ends the process.
-HGLOBAL StoreToBlock(HWND owner, HGLOBAL handle, const char *text);
-// Stores a copy of `text` in the block named by *slot (through StoreToBlock) and locks it; `locked` is the slot's
-// pointer from a former call, or 0, and is unlocked first. Result: the locked copy, or 0 when the lock failed (the
-// block is then freed and *slot is 0). A null `slot` or `text` changes nothing and gives back `locked`.
-char *StoreAndLockBlock(HGLOBAL *slot, char *locked, const char *text);
-// Shows the memory-failure message (the text of `detailId` alone when it is not 0, else "ﾒﾓﾘｰｴﾗｰ: ..."), titled by
-// `titleId`, waits for a key, and ends the process through exit(-2), so that exit handlers run. A call that comes in
-// while the message is being shown ends the process at once, without a second message.
-[[noreturn]] void FatalMemoryExit(HWND owner, UINT titleId, UINT detailId);
+// How an append to a text block went.
+enum TextBlockOutcome {
+  kTextAppended,  // the block holds the old text and the new one
+  kTextCutShort,  // the heap could not lend room to keep the old text: the block kept its size and was written from
+                  // its start with as much of the new text as fits
+  kTextBlockLost  // the block could not be had, grown or locked; *handle is 0
+};
+
+// Appends `text` (null reads as empty) to the text in the unlocked block *handle, or starts a block with it when
+// *handle is 0. On success the block holds exactly the old text, the new one and a NUL, its size their lengths plus
+// one whatever it was before, and *handle may have changed. The kept last error is cleared before each allocation.
+// Costs time in proportion to `text`, not to the old text, for a block that these routines wrote last.
+TextBlockOutcome AppendTextToBlock(HGLOBAL *handle, const char *text);
+// Makes the unlocked block *handle (or a new one when it is 0) hold exactly `text` (null reads as empty) and its NUL,
+// growing or shrinking it to that size. Result: true; false when the block could not be had, resized or locked, and
+// *handle is then 0 (the block is freed).
+bool StoreTextInBlock(HGLOBAL *handle, const char *text);

@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "platform/winapi.h"
-#include "text/growing_text.h"
 #include "text/memory_blocks.h"
 #include "text/myjctype.h"
 #include "text/tokens.h"
@@ -77,24 +76,6 @@ void ReplaceSingleByte(char *s, char from, char to) {
 
 void SlashToBackslash(char *s) { ReplaceSingleByte(s, '/', '\\'); }
 void BackslashToSlash(char *s) { ReplaceSingleByte(s, '\\', '/'); }
-
-char *FindNoCase(const char *text, const char *pattern) {
-  if (text == nullptr || pattern == nullptr || std::strlen(text) < std::strlen(pattern)) return nullptr;
-  HGLOBAL textHandle = nullptr;
-  HGLOBAL patternHandle = nullptr;
-  char *textCopy = StoreAndLockBlock(&textHandle, nullptr, text);
-  char *patternCopy = StoreAndLockBlock(&patternHandle, nullptr, pattern);
-  char *result = nullptr;
-  if (textCopy != nullptr && patternCopy != nullptr) {
-    LowerText(textCopy);
-    LowerText(patternCopy);
-    char *hit = FindText(textCopy, patternCopy);
-    if (hit != nullptr) result = const_cast<char *>(text) + (hit - textCopy);
-  }
-  ReleaseBlock(textHandle, textCopy);
-  ReleaseBlock(patternHandle, patternCopy);
-  return result;
-}
 
 char *FindLast(char *text, const char *pattern) {
   if (text == nullptr || pattern == nullptr || *pattern == 0) return nullptr;

@@ -25,9 +25,6 @@ void ZeroBytes(void *address, unsigned count);
 // Every "/" (or "\") that is a character of its own becomes "\" (or "/"); null is ignored.
 void SlashToBackslash(char *s);
 void BackslashToSlash(char *s);
-// The first occurrence of `pattern` in `text` without regard to the case of single-byte letters, at a character
-// boundary; the offset is that of `text`, whose case stays. Null when there is none.
-char *FindNoCase(const char *text, const char *pattern);
 // The last occurrence of `pattern` in `text` at a character boundary, or null (also for an empty pattern). `text` is
 // cut and restored while it is searched, so it must be writable; it is left as it was.
 char *FindLast(char *text, const char *pattern);

@@ -8,7 +8,7 @@
 #include "engine/shortcut_processing.h"
 #include "files/directory_search.h"
 #include "files/file_operations.h"
-#include "text/growing_text.h"
+#include "reports/memory_reports.h"
 #include "text/myjctype.h"
 #include "text/tokens.h"
 #include "walker/walk_context.h"

@@ -13,9 +13,10 @@
 #include "machine/network_paths.h"
 #include "reports/error_reporter.h"
 #include "reports/last_error.h"
-#include "resources/resource_strings.h"
+#include "resources/message_ids.h"
 #include "text/memory_blocks.h"
 #include "text/quoted_args.h"
+#include "text/resource_strings.h"
 #include "walker/walk_context.h"
 #include "walker/walk_state.h"
 
@@ -39,7 +40,7 @@ int EnterSubfolder(HWND owner, FindHandle handle, FindRecord record) {
   // The read-only question of the folder-removal mode, which this edition never turns on.
   if ((g_walk.WalkFlags & kWalkRemoveFolders) && (record.dwFileAttributes & FILE_ATTRIBUTE_READONLY) &&
       !g_walk.ReadOnlySwitch)
-    skip = ConsolePrompt(owner, g_walk.FolderPath, nullptr, 0x35) == IDRETRY ? 0 : 1;
+    skip = AskAboutReadOnlyFolder(owner, g_walk.FolderPath) == IDRETRY ? 0 : 1;
   JoinPath(g_walk.SearchPattern, g_walk.FolderPath, g_walk.Mask);
   if (IsStopRequested()) {
     g_walk.Outcome = AddOutcome(g_walk.Outcome, kWalkStop);
@@ -122,14 +123,14 @@ int NetworkAccessPrompt(HWND owner, const char *path, unsigned style) {
   HGLOBAL handle = nullptr;
   char *text = AcquireBlock(&handle, nullptr, 65535, nullptr);
   if (text == nullptr) return 1;
-  LoadStrings(8307, 8308);
+  LoadStrings(kMsgNetworkRefusedAskPassword, kMsgPasswordAskButtons);
   std::snprintf(text, 65535, "%s", FirstSlotText());
   if (style & 0x10) std::strncat(text, SecondSlotText(), 65535 - std::strlen(text) - 1);
   if (style & 0x06) {
-    LoadStrings(8309, 8049);
+    LoadStrings(kMsgPasswordAskButtonsQuiet, kMsgFolderFileErrorTitle);
     std::strncat(text, FirstSlotText(), 65535 - std::strlen(text) - 1);
   }
-  LoadStrings(8049, 8049);
+  LoadStrings(kMsgFolderFileErrorTitle, kMsgFolderFileErrorTitle);
   SetReportStyle(style, nullptr);
   int answer = ReportErrorWithAttributes(owner, path, text, FirstSlotText(), 0);
   ReleaseBlock(handle, text);

@@ -10,7 +10,8 @@
 #include "files/folder_checks.h"
 #include "files/working_folders.h"
 #include "reports/error_reporter.h"
-#include "text/growing_text.h"
+#include "reports/memory_reports.h"
+#include "resources/message_ids.h"
 #include "text/memory_blocks.h"
 #include "text/tokens.h"
 #include "walker/walk_state.h"
@@ -54,9 +55,9 @@ int AcquireWalkBuffers(HWND owner) {
   g_walk.FolderPath = AcquireBlock(&g_walk.folderHandle, nullptr, kPathSize, nullptr);
   if (g_walk.SearchPattern != nullptr || g_walk.EntryBuffer != nullptr || g_walk.FolderPath != nullptr) return 1;
   ReportBeep(16);
-  // The message of ids 8060/8061 goes to the message-box stub, and the owner window would be closed: neither has
-  // anything to show on a console.
-  ShowMessageById(owner, 8060, 8061, 16);
+  // The message goes to the message-box stub, and the owner window would be closed: neither has anything to show on a
+  // console.
+  ShowMessageById(owner, kMsgMemoryAccessFailed, kMsgGlobalMemoryTitle, 16);
   return -1;
 }
 

@@ -105,4 +105,13 @@ TEST(FillShortName, Rows) {
   }
 }
 
+// The hit is an offset into the text as given, whose case stays; folding stops at double-byte characters.
+TEST(FindNoCase, HitsInTheGivenText) {
+  const char *name = "a.lnk";
+  EXPECT_EQ(FindNoCase(name, "LNK"), name + 2);
+  EXPECT_EQ(FindNoCase("ab", "abc"), nullptr);
+  const char *kanji = "\x82\x60x";  // Ａ (0x82 0x60) has a trail byte that is the letter `; no case folding inside
+  EXPECT_EQ(FindNoCase(kanji, "X"), kanji + 2);
+}
+
 }  // namespace

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "platform/winapi.h"
+#include "resources/message_ids.h"
 #include "support/hex_text.h"
 
 namespace {
@@ -23,10 +24,11 @@ std::string Load(unsigned id, HINSTANCE module = nullptr) {
 // Texts pinned as bytes: the build turns the UTF-8 source into Shift-JIS, and a wrong conversion shows here (the
 // texts themselves are checked where the user sees them, in the command-line tests).
 TEST(MessageTable, PinnedBytes) {
-  EXPECT_EQ(Hex(Load(8018)), Hex("\x8C\xA0\x8C\xC0\x82\xCC\x8A\x6D\x94\x46"));  // 権限の確認
-  EXPECT_EQ(Hex(Load(8293)), Hex("\x81\x7E"));                                  // ×
-  EXPECT_EQ(Hex(Load(8050)), Hex("\xCC\xAB\xD9\xC0\xDE"));                      // half-width ﾌｫﾙﾀﾞ
-  EXPECT_EQ(Load(8403, GetModuleHandleA(nullptr)), "UseDefine");  // the program's module reads the same table
+  EXPECT_EQ(Hex(Load(kMsgRightsTitle)), Hex("\x8C\xA0\x8C\xC0\x82\xCC\x8A\x6D\x94\x46"));  // 権限の確認
+  EXPECT_EQ(Hex(Load(kMsgCross)), Hex("\x81\x7E"));                                        // ×
+  EXPECT_EQ(Hex(Load(kMsgFolderWord)), Hex("\xCC\xAB\xD9\xC0\xDE"));                       // half-width ﾌｫﾙﾀﾞ
+  EXPECT_EQ(Load(kMsgSettingsKeyName, GetModuleHandleA(nullptr)),
+            "UseDefine");  // the program's module reads the same table
 }
 
 TEST(MessageTable, IdsOutsideTheTableAreNotFound) {
@@ -47,12 +49,12 @@ TEST(MessageTable, BufferSizes) {
     int bufferMax;
     int result;
     std::string bytes;  // the buffer's text; "untouched" rows expect the sentinel '#'
-  } rows[] = {{"room for all", 8402, 7, 6, "option"},
-              {"one short: cut to bufferMax-1", 8402, 6, 5, "optio"},
-              {"double-byte text cut between characters", 8018, 5, 4, "\x8C\xA0\x8C\xC0"},
-              {"a double-byte character that would not fit whole stays out", 8018, 4, 2, "\x8C\xA0"},
-              {"half-width text cuts at any byte", 8050, 3, 2, "\xCC\xAB"},
-              {"negative size writes nothing", 8402, -5, 0, "#"}};
+  } rows[] = {{"room for all", kMsgOptionValueName, 7, 6, "option"},
+              {"one short: cut to bufferMax-1", kMsgOptionValueName, 6, 5, "optio"},
+              {"double-byte text cut between characters", kMsgRightsTitle, 5, 4, "\x8C\xA0\x8C\xC0"},
+              {"a double-byte character that would not fit whole stays out", kMsgRightsTitle, 4, 2, "\x8C\xA0"},
+              {"half-width text cuts at any byte", kMsgFolderWord, 3, 2, "\xCC\xAB"},
+              {"negative size writes nothing", kMsgOptionValueName, -5, 0, "#"}};
   for (const Row &row : rows) {
     char buffer[128];
     std::memset(buffer, '#', sizeof buffer);
@@ -61,10 +63,10 @@ TEST(MessageTable, BufferSizes) {
     EXPECT_EQ(result, row.result) << row.name;
     EXPECT_EQ(Hex(row.bytes == "#" ? std::string(1, buffer[0]) : buffer), Hex(row.bytes)) << row.name;
   }
-  EXPECT_EQ(LoadStringA(nullptr, 8402, nullptr, 10), 0) << "null buffer";
+  EXPECT_EQ(LoadStringA(nullptr, kMsgOptionValueName, nullptr, 10), 0) << "null buffer";
   char buffer[64];
   SetLastError(1234);  // a text found leaves the last error alone
-  EXPECT_GT(LoadStringA(nullptr, 8018, buffer, sizeof buffer), 0);
+  EXPECT_GT(LoadStringA(nullptr, kMsgRightsTitle, buffer, sizeof buffer), 0);
   EXPECT_EQ(GetLastError(), 1234u);
 }
 

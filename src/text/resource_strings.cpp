@@ -1,5 +1,5 @@
 // Messages by id, through the platform's LoadStringA, into the two process-wide slots and optional block copies.
-#include "resources/resource_strings.h"
+#include "text/resource_strings.h"
 
 #include <cstring>
 #include <initializer_list>

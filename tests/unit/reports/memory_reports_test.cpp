@@ -1,5 +1,6 @@
-// Texts in global blocks: exact sizes, what the heap's refusals lead to, and the end of the run when memory runs out.
-#include "text/growing_text.h"
+// Texts in global blocks: exact sizes, what the heap's refusals lead to, and the end of the run when memory runs out;
+// the one low-memory warning of the kept last error.
+#include "reports/memory_reports.h"
 
 #include <gtest/gtest.h>
 
@@ -148,6 +149,33 @@ TEST(GrowingTextDeathTest, NoMemoryEndsTheRunWithItsMessage) {
   EXPECT_FATAL(HGLOBAL handle = StoreToBlock(nullptr, nullptr, "abc"); TestSetAllocationLimit(4);
                AppendToBlock(nullptr, handle, "de"), "AddToGlobalMemory() ");
   EXPECT_FATAL(TestSetAllocationLimit(0); StoreToBlock(nullptr, nullptr, "abc"), "SaveToGlobalMemory() ");
+}
+
+TEST(LastError, LowMemoryWarningComesOnce) {
+  ResetLowMemoryWarning();
+  TestConsoleBegin("abc");
+  SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+  EXPECT_EQ(CaptureLastError(), static_cast<DWORD>(ERROR_NOT_ENOUGH_MEMORY));
+  SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+  CaptureLastError();
+  SetLastError(ERROR_FILE_NOT_FOUND);
+  CaptureLastError();
+  SetLastError(ERROR_NOT_ENOUGH_MEMORY);
+  CaptureLastError();
+  std::string output = TestConsoleOutput();
+  TestConsoleEnd();
+  EXPECT_EQ(output,
+            "致命的なｳｨﾝﾄﾞｳｽﾞ警告ﾒｯｾｰｼﾞ:ｳｨﾝﾄﾞｳｽﾞのｺﾏﾝﾄﾞ実行用に充分なﾒﾓﾘが確保できませんでした。速やかにｱﾌﾟﾘｹｰｼｮﾝを"
+            "終了して下さい。Press Any Key>>");
+}
+
+TEST(LastError, KeptValueOutlivesLaterCalls) {
+  SetKeptLastError(0);
+  EXPECT_EQ(GetLastError(), 0u);
+  SetLastError(ERROR_ACCESS_DENIED);
+  CaptureLastError();
+  SetLastError(ERROR_SUCCESS);  // a later call that succeeds
+  EXPECT_EQ(GetKeptLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
 }
 
 }  // namespace
