@@ -13,4 +13,5 @@ void SetStopFlag(int value);
 int IsStopRequested(void);
 void SetPauseFlag(unsigned value);
 // 1 while the key or mouse button is down (the buttons taken as swapped when the user swapped them), else 0.
+// Its caller comes with the network listing.
 int IsKeyDown(int virtualKey);

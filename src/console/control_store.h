@@ -53,6 +53,7 @@ int ShowMessageById(HWND window, unsigned textId, unsigned captionId, unsigned f
 // Sets a control's text: there is no control on a console. Result 0.
 int SetControlTextStub(HWND window, unsigned id, const char *text);
 // The parent window for messages: `window`, else the main window (none here), else the desktop.
+// Its caller comes with the error reporter.
 HWND OwnerWindow(HWND window);
 
 // For tests: the raw state.

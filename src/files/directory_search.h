@@ -41,4 +41,5 @@ int MapLastError(void);
 // "?" where the system could not spell a character becomes "_", so that the file can be opened by that name.
 void RepairFoundName(char *name);
 // What the latest FindFirstEntry started: 0 file system, 1 network listing, -1 unlistable place, -2 failed listing.
+// Its caller comes with the network listing.
 int SearchMode(void);

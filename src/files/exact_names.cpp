@@ -159,7 +159,6 @@ int Rebuild(char *path, char *work, unsigned char flags, int *foundBySearch) {
 }  // namespace
 
 int ExactPathInProgress(void) { return exactInProgress; }
-void SetExactPathInProgress(int running) { exactInProgress = running; }
 
 char *ResolveExactPath(char *path, unsigned char flags, int mode) {
   if (exactInProgress) return path;

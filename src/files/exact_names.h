@@ -31,8 +31,6 @@ void FillShortName(char *longName, char *shortName);
 
 // 1 while a walk runs. A walk started while one runs gives its path back unchanged.
 int ExactPathInProgress(void);
-// Marks a walk as running (1) or not (0), for a caller that must keep walks from starting.
-void SetExactPathInProgress(int running);
 
 // The first occurrence of `pattern` in `text` without regard to the case of single-byte letters, at a character
 // boundary; the offset is that of `text`, whose case stays. Null when there is none.

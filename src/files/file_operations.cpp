@@ -96,9 +96,6 @@ int RemoveVirtualStoreTwin(const char *folder, const char *name, const char *sho
 
 }  // namespace
 
-int ChangeCounterValue(void) { return changeCounter; }
-void SetChangeCounter(int value) { changeCounter = value; }
-
 unsigned long long GetFileSize64(HANDLE file) {
   if (fileSizeEx == nullptr) {
     HMODULE kernel = GetModuleHandleA("KERNEL32.DLL");
@@ -243,24 +240,6 @@ int DeleteIfPresent(char *path) {
   RestoreRealPath(real);
   if (PathAccessible(path) != 0) return 0;
   return DeleteFilePath(path);
-}
-
-int MovePath(char *oldPath, char *newPath) {
-  oldPath = OrEmpty(oldPath);
-  newPath = OrEmpty(newPath);
-  RealPath from, to;
-  // Deliberately no restore of the first path when the second has no real form: the windowed edition's callers never
-  // pass a view place as the target, and its code leaves the first edit standing.
-  if (!MakeRealPath(oldPath, &from)) return 0;
-  if (!MakeRealPath(newPath, &to)) return 0;
-  SetKeptLastError(0);
-  BOOL done = MoveFileA(from.text, to.text);
-  DWORD error = CaptureLastError();
-  RestoreRealPath(to);
-  RestoreRealPath(from);
-  MoveChangeCounter(done ? 1 : 0);
-  SettleErrors(error);
-  return done ? 0 : 1;
 }
 
 int RemoveFolderPath(char *path) {

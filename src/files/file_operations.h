@@ -46,9 +46,8 @@ int SearchForFile(char *name, char *out, DWORD outSize);
 int DeleteFilePath(char *path);
 // Deletes the file if there is one. Result: 0 when deleted or when nothing is there (also a place of the network view);
 // 1 for a null or empty path (both errors then 0) or a failed delete.
+// Its caller comes with the result text's report file.
 int DeleteIfPresent(char *path);
-// MoveFileA. Result: 0 on success, 1 on failure; 0 at once when either path is a place of the network view.
-int MovePath(char *oldPath, char *newPath);
 // RemoveDirectoryA, with the access question as DeleteFilePath. Result: 0 on success, 1 on failure.
 int RemoveFolderPath(char *path);
 // GetFileAttributesA into *attributes. A place of the network view is a folder (0x10) and costs no system call.
@@ -63,8 +62,3 @@ int PathAccessible(char *path);
 // What is at a path that may be in double quotes: kPathEmpty, kPathNothing, kPathFile or kPathFolder. A server or a
 // share counts as a real place here. Leaves the kept last error as it found it.
 int PathKind(char *path);
-
-// ChangeCounter: rises by 1 with every wrapper call that changed the disk successfully, drops to 0 with every one that
-// failed, and once negative (after wrapping) only falls. Nothing in this edition acts on it.
-int ChangeCounterValue(void);
-void SetChangeCounter(int value);

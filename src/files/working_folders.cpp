@@ -141,13 +141,3 @@ int CompleteDrivePath(char **path) {
   ReleaseBlock(handle, copy);
   return result;
 }
-
-int ChangeToDriveLetter(int letter) {
-  SetKeptLastError(0);
-  char name[3] = {static_cast<char>(letter), ':', 0};
-  // The two-byte text of a backslash and a colon is a network head: there is no drive to change to.
-  if (IsNetworkPath(name)) return 1;
-  BOOL done = SetCurrentDirectoryA(name);
-  SettleErrors(CaptureLastError());
-  return done ? 1 : -1;
-}

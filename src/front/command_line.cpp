@@ -120,8 +120,6 @@ void ReadTypedLine() {
 
 }  // namespace
 
-void *ProgramModuleHandle(void) { return moduleHandle; }
-
 int FindOptionRow(int letter) {
   for (int row = 0; kOptionTable[row].letter != 0; ++row)
     if (static_cast<unsigned char>(kOptionTable[row].letter) == (letter & 0xFF)) return row;

@@ -18,6 +18,3 @@ int CountClassLetters(const char *letters, const char *classText);
 int OptionsAreCompatible(const char *letters);
 // 0 only when the letters hold a single letter of "dc" and a single letter of "xyz" together, else 1.
 int NotBothClasses(const char *letters);
-
-// The module handle taken at start.
-void *ProgramModuleHandle(void);

@@ -20,10 +20,12 @@ enum NetworkClass {
 };
 
 // 1 when the path starts with two backslashes.
+// Its caller comes with the network paths' real forms.
 int IsUncPath(const char *path);
 // The bit set above; 0 for a path that is not a network path.
 unsigned ClassifyNetworkPath(const char *path);
 // The levels that a caller accepts as real for one call; set it, make the call, set it back to 0.
+// Its readers come with the network paths' real forms.
 void SetNetworkLevelMask(unsigned mask);
 unsigned NetworkLevelMask(void);
 // The real (UNC) path for a network path, as a pointer into `path` itself. `saved` (if given) tells the outcome:

@@ -106,5 +106,4 @@ void TestConsoleBegin(const std::string &input) {
 }
 
 std::string TestConsoleOutput(void) { return Captured().output; }
-std::string TestConsoleErrors(void) { return Captured().errors; }
 void TestConsoleEnd(void) { Captured() = TestConsole(); }

@@ -26,6 +26,7 @@ int StripDotPrefix(char *text);
 char *EnsureTrailingBackslash(char *path);
 // Deletes a trailing real separator, except from a drive or UNC root. Result: whether one was deleted (also kept in
 // the flag that BackslashWasTrimmedFlag reads).
+// Its caller, and the flag's reader, come with the error reporter.
 int TrimFolderBackslash(char *path);
 int BackslashWasTrimmedFlag(void);
 void ClearBackslashWasTrimmed(void);
@@ -41,10 +42,6 @@ char *ExtensionDot(const char *text, int *quoteState);
 char *HasExtension(const char *path);
 // Cuts the path to its folder ("C:\a\b" to "C:\a", "C:\a" to "C:\", "C:a" to "C:"). Null when there is none.
 char *FolderPart(char *path);
-// Cuts at the last separator (behind it for a root separator); `saved` receives the byte overwritten. Result: the
-// position of the cut, or null.
-char *CutAtLastSeparator(char *path, int *saved);
-void RestoreCutByte(char *position, int byte);
 // The one path combiner. Result: the length of the joined path; 0 when `file` is absolute (it then replaces `dest`
 // and `dir`), when the two together have 520 bytes or more (nothing joined), or when both are empty. `dest` may be
 // null (the join happens in `dir`), `dir` itself, or `file` itself (joined in place).
@@ -52,6 +49,3 @@ int JoinPath(char *dest, char *dir, char *file);
 // Folds "c:\PROGRAM files\abc" to "C:\Program files\Abc"; mode 1 never folds, mode 0 folds when names are folded,
 // any other mode always; a non-empty `alternate` (a second form of the name) keeps the case as stored.
 void FoldPathCase(char *path, const char *alternate, int mode);
-// This edition has no display to fit a text to: both give their text back unchanged.
-const char *FitTextToControl(void *window, void *deviceContext, const char *text, unsigned controlId);
-const char *FitPathToControl(void *window, void *deviceContext, const char *text, unsigned controlId);

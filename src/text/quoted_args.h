@@ -21,31 +21,31 @@ char *FindBlank(const char *s);
 
 // Opens `n` bytes at the front; they keep what they held. Result: the old length plus n.
 int ShiftRightInPlace(char *s, int n);
-void ZeroBytes(void *address, unsigned count);
 // Every "/" (or "\") that is a character of its own becomes "\" (or "/"); null is ignored.
 void SlashToBackslash(char *s);
 void BackslashToSlash(char *s);
 // The last occurrence of `pattern` in `text` at a character boundary, or null (also for an empty pattern). `text` is
 // cut and restored while it is searched, so it must be writable; it is left as it was.
+// Its caller comes with the folder checks.
 char *FindLast(char *text, const char *pattern);
 // Cuts trailing white space, stopping at a double-byte character. Result: the number of bytes cut.
 int TrimTrailingSpace(char *s);
+// 1 for a line feed or carriage return, else 0. Its caller comes with the error reporter.
 int IsLineEnd(int c);
 // The number of backslashes of a path (a doubled one counts once); for a UNC path its complement: "C:\a\b" gives 2,
 // "\\srv\share" gives -3. Null gives 0.
 int PathDepth(const char *path);
-int DriveLetterOf(int index);
-int DriveIndexOf(int letter);
-// The first "%s" at a character boundary, or null.
-char *FindFormatMark(const char *s);
 // Cuts a string of two or more bytes at the first occurrence of `marker`.
+// Its caller comes with the error reporter.
 void CutAtMarker(char *s, const char *marker);
 // Removes from a null-terminated array of strings every entry that equals an earlier one, keeping order. Result: the
 // number that remain.
 int RemoveDuplicates(char **list);
 // Five letters for an attribute value, "ARHS-" style, without terminator; a negative value writes nothing.
+// Its caller comes with the result text.
 void AttributeLetters(long attributes, char *field);
 // Result 1 for a non-empty string with no bad byte; no list of bad bytes is set in this edition, so nothing is
 // replaced.
 int ReplaceUnprintable(char *s, int replacement);
+// "???", the label of a drive that cannot be read. Its caller comes with the drive inventory.
 const char *UnknownText(void);

@@ -82,9 +82,7 @@ int TestOutcome(int value, int code) {
   return (against & bits) == bits ? 1 : 0;
 }
 
-unsigned WalkEntriesDone(void) { return g_walk.EntriesDone; }
 unsigned WalkEntriesChanged(void) { return g_walk.EntriesChanged; }
-int WalkIsNetwork(void) { return g_walk.NetworkWalk; }
 
 void PrepareWalk(HWND, unsigned showFolders, unsigned reportChanged, unsigned statusControl, unsigned countControl,
                  const char *nameListText, void *, unsigned typeFilter) {

@@ -47,6 +47,4 @@ int AddOutcome(int oldCode, int code);
 // in |value|.
 int TestOutcome(int value, int code);
 // The counters of the latest walk.
-unsigned WalkEntriesDone(void);
 unsigned WalkEntriesChanged(void);
-int WalkIsNetwork(void);

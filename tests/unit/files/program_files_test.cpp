@@ -1,4 +1,4 @@
-// The extension test, by which a search miss is told from a path. (IsWindowsProgram has no caller.)
+// The extension test, by which a search miss is told from a path.
 #include "files/program_files.h"
 
 #include <gtest/gtest.h>
