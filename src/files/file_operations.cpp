@@ -25,8 +25,8 @@ namespace {
 
 int changeCounter = 0;
 
-// The folder whose virtual-store twin a failed delete tries. No routine of this edition sets it, so that branch stays
-// cold; it is kept so that the delete has the same shape as in the windowed edition.
+// The folder whose virtual-store twin a failed delete tries. The special folders will set it; while it is empty, that
+// branch is not taken.
 char deleteFolderHint[kPathSize] = "";
 
 typedef BOOL(WINAPI *GetFileSizeExCall)(HANDLE, PLARGE_INTEGER);

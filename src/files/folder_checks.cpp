@@ -1,4 +1,4 @@
-// Name rules and folder checks. The syntax rules and the drive question are not wired in yet: those checks pass.
+// Name rules and folder checks. Until the syntax rules and the drive question land, those checks pass.
 #include "files/folder_checks.h"
 
 #include <cstdio>

@@ -14,5 +14,6 @@ int CheckFolderOrReport(HWND owner, const char *path, int mode, const char *line
 // The drive and path check before a walk: 0 (or a run-time error number) when the walk may go on, -1 or 2 when not.
 int CheckPathSyntaxRules(HWND owner, char *path, int forCopy, unsigned flags);
 // The fault message for a folder or file path. `fault` is the program's fault number (a value with bit 16 set is never
-// shown), `count` and `style` go to the message. Result: the answer of the message. Not wired in yet: silent, 0.
+// shown), `count` and `style` go to the message. Result: the answer of the message. Until the folder checks land:
+// silent, 0.
 int ReportPathFault(HWND owner, const char *name, int fault, int count, int style);

@@ -18,7 +18,7 @@
 namespace {
 
 // The working folder on the network, kept apart from the process's: the system has no current folder on a network
-// place of the view. Nothing sets it in this edition.
+// place of the view. Set once the network listing can change to such a place.
 char networkWorkingFolder[kPathSize] = "";
 
 // The sum of every attribute bit that the program knows: a larger value read back is INVALID_FILE_ATTRIBUTES.

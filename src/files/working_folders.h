@@ -18,7 +18,7 @@ int SetWorkingFolder(char *path, int allowNetwork);
 // there, which is reported as a path fault.
 int ChangeToFolder(char *path, int allowNetwork);
 // The current folder of drive `drive` (1 for A:) through GetFullPathNameA on "a:". For kNetworkDriveNumber: the kept
-// network working folder, and while that is empty (as it always is in this edition) the first two bytes of what
+// network working folder, and while that is empty the first two bytes of what
 // `buffer` holds and a backslash, with both errors cleared. Result: the buffer, or null when it failed.
 char *GetDriveFolder(int drive, char *buffer, DWORD size);
 // GetDriveFolder for the drive letter that `buffer` begins with. Result: 0 (the run-time error number cleared), or the

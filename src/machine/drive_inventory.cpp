@@ -1,4 +1,4 @@
-// The drive inventory. The drive table is not filled in this edition: no drive is of any kind.
+// The drive inventory. Until the drive table is built, no drive is of any kind.
 #include "machine/drive_inventory.h"
 
 int DriveLettersOfKinds(char *buffer, unsigned) {

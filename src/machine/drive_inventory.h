@@ -10,6 +10,6 @@ int IsOnRemovableMedia(const char *path);
 void ReleaseDriveTable(void);
 // The file system kind that the drive table holds for a drive letter: -1 (unknown), as nothing fills the table.
 int DriveFileSystemKind(int letter);
-// Keeps a volume's file system name for its drive letter. Result: the file system kind; -1 (unknown), as nothing is
-// kept in this edition.
+// Keeps a volume's file system name for its drive letter. Result: the file system kind; -1 (unknown) until the drive
+// table is built.
 int StoreDriveFileSystem(int letter, const char *fileSystemName);

@@ -1,4 +1,4 @@
-// Known folders. Not wired in yet: no virtual-store twin is ever found.
+// Known folders. Until the special folders land, no virtual-store twin is ever found.
 #include "machine/known_folders.h"
 
 int FindVirtualStoreTwin(int, const char *, char *) { return 0; }

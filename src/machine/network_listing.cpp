@@ -1,4 +1,4 @@
-// The network listing. No network is browsed in this edition, so every lookup misses as a missing path does.
+// The network listing. Until it lands, every lookup misses as a missing path does.
 #include "machine/network_listing.h"
 
 int FindFirstNetworkEntry(FindHandle *, const char *, WIN32_FIND_DATAA *) { return 2; }

@@ -1,5 +1,5 @@
 // The network listing: workgroups, servers and shares read as directory entries, so that the walker reaches them
-// with the same find calls as a folder. This edition browses no network: every listing misses.
+// with the same find calls as a folder. Until the network listing lands, every listing misses.
 #pragma once
 
 #include "platform/winapi.h"

@@ -38,6 +38,6 @@ int RestoreNetworkPath(char *pointer, int saved);
 // `out` upper-cased (the share of a view path gets a capital and lower case). Result: -1 above a share, 0 below.
 int ResolveNetworkName(const char *path, char *out);
 // The volume facts of the root `root`, as GetVolumeInformationA gives them, by the network rules. Result: not 0 on
-// success. Not wired in yet: the volume never answers (0), and the buffers are left as they were.
+// success. Until the network rules land, the volume never answers (0), and the buffers are left as they were.
 int GetVolumeDetails(const char *root, char *label, DWORD labelSize, DWORD *serial, DWORD *maxLength, DWORD *flags,
                      char *fileSystemName, DWORD fileSystemNameSize);

@@ -1,4 +1,4 @@
-// The error reporter. Not wired in yet: reports stay silent.
+// The error reporter. Until its composed reports land, they stay silent; the prompts below are whole.
 #include "reports/error_reporter.h"
 
 #include <cstdio>

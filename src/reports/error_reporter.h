@@ -15,7 +15,7 @@ int ReportErrorWithAttributes(HWND owner, const char *path, const char *text, co
 // The access question for a refused delete or remove. `code` is the captured system error; `name` (may be null) or
 // else `path` names the object; `module` and `titleId` give the title; `style` is the prompt's style. Result: 1 when
 // the caller is to treat the operation as failed and try nothing more, -1 to go on, 0 when the error was not a refused
-// access. Not wired in yet: always 0, so the caller's own failure handling decides.
+// access. Until the reporter lands: always 0, so the caller's own failure handling decides.
 int ReportAccessProblem(DWORD code, const char *name, const char *path, HMODULE module, UINT titleId, UINT style);
 // Tells that the drive of a shortcut's target `target` is not there ("ﾘﾝｸ先 %s はありません。", titled "実行", with
 // the warning icon) and waits for a key.

@@ -1,4 +1,4 @@
-// The result text. Not wired in yet: it holds nothing.
+// The result text. Until it lands, it holds nothing.
 #include "reports/result_text.h"
 
 void ReleaseResultText(void) {}

@@ -5,7 +5,7 @@
 
 // Empties the result text.
 void ReleaseResultText(void);
-// Deletes the report file `name` in the report folder. Nothing sets a report folder in this edition.
+// Deletes the report file `name` in the report folder, when one is set.
 void DeleteResultFile(const char *name);
 // Not 0 when a report folder is set.
 int HasReportFolder(void);

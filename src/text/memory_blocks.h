@@ -21,5 +21,5 @@ HGLOBAL ResizeOrAllocBlock(HGLOBAL handle, DWORD size);
 char *AcquireBlock(HGLOBAL *slot, void *locked, DWORD size, DWORD *granted);
 // Unlocks (when `locked` is given) and frees a block; nothing for handle 0.
 void ReleaseBlock(HGLOBAL handle, void *locked);
-// Frees the blocks of the process-wide saved table. Nothing fills that table in this edition.
+// Frees the blocks of the process-wide saved table, which no caller fills; the run driver empties it at the end.
 void ReleaseSavedBlocks(void);

@@ -12,9 +12,9 @@
 namespace {
 
 int backslashWasTrimmed = 0;
-// Network view paths ("\:\group\server\share") stay recognised; nothing turns them off in this edition.
+// Set, network view paths ("\:\group\server\share") are no longer recognised. No caller sets it.
 int networkViewOff = 0;
-// Whether names are folded to the "Program files" case; nothing changes it in this edition.
+// Whether names are folded to the "Program files" case. No caller clears it.
 int foldNamesSwitch = 1;
 char cutQuoteBuffer[kPathSize];
 

@@ -169,7 +169,7 @@ void AttributeLetters(long attributes, char *field) {
 }
 
 namespace {
-// Bytes that pass although isprint refuses them. No list is set in this edition, and without one no byte is bad.
+// Bytes that pass although isprint refuses them; none set, and without a list no byte is bad.
 const char *allowedUnprintable = nullptr;
 }  // namespace
 

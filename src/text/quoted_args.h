@@ -44,8 +44,8 @@ int RemoveDuplicates(char **list);
 // Five letters for an attribute value, "ARHS-" style, without terminator; a negative value writes nothing.
 // Its caller comes with the result text.
 void AttributeLetters(long attributes, char *field);
-// Result 1 for a non-empty string with no bad byte; no list of bad bytes is set in this edition, so nothing is
-// replaced.
+// Replaces each byte that isprint refuses and the allowed list does not hold. Result 1 for a non-empty string with no
+// bad byte. No caller sets an allowed list, and without one no byte is bad, so nothing is replaced.
 int ReplaceUnprintable(char *s, int replacement);
 // "???", the label of a drive that cannot be read. Its caller comes with the drive inventory.
 const char *UnknownText(void);
