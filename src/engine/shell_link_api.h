@@ -4,11 +4,5 @@
 
 #include "platform/winapi.h"
 
-#ifdef _WIN32
-#include <shellapi.h>
-#include <shlguid.h>
-#include <shlobj.h>
-#endif
-
 // Texts exchanged with a shell link object: 520 bytes, or as many wide characters for a path.
 enum { kShellPathSize = 520 };

@@ -13,8 +13,10 @@
 #include <io.h>
 #include <objbase.h>
 #include <windows.h>
-// SHGetFileInfoA, which the lean Windows headers leave out.
+// SHGetFileInfoA, and the shell link objects with their interface ids, which the lean Windows headers leave out.
 #include <shellapi.h>
+#include <shlguid.h>
+#include <shlobj.h>
 
 #else  // the Linux backend
 
@@ -98,11 +100,11 @@ typedef short SHORT;
 SHORT GetAsyncKeyState(int virtualKey);
 int GetSystemMetrics(int index);
 
-#include "platform/posix/files.h"
+#include "platform/posix/files/files.h"
 // Shell link objects (IShellLinkA, IPersistFile), COM creation, code page conversion, and the types they use.
-#include "platform/posix/shell_link.h"
+#include "platform/posix/shell/shell_link.h"
 // SHGetFileInfoA for a program type and an icon location.
-#include "platform/posix/shell_info.h"
+#include "platform/posix/shell/shell_info.h"
 
 #endif  // _WIN32
 

@@ -9,7 +9,7 @@
 #include "support/scratch_folder.h"
 
 #ifndef _WIN32
-#include "platform/posix/testing.h"
+#include "platform/posix/files/testing.h"
 #endif
 
 namespace {

@@ -1,5 +1,5 @@
 // The drive table of the Linux backend: drive form of Linux paths and back.
-#include "platform/posix/drive_table.h"
+#include "platform/posix/files/drive_table.h"
 
 #include <gtest/gtest.h>
 

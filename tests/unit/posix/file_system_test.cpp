@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "platform/posix/testing.h"
+#include "platform/posix/files/testing.h"
 #include "scratch_drive.h"
 
 namespace {

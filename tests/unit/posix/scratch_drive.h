@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/testing.h"
+#include "platform/posix/files/testing.h"
 #include "platform/winapi.h"
 #include "support/scratch_folder.h"
 

@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "lnk_test_data.h"
-#include "platform/posix/lnk_codec.h"
-#include "platform/posix/lnk_file_access.h"
+#include "posix/lnk/lnk_test_data.h"
+#include "platform/posix/lnk/lnk_codec.h"
+#include "platform/posix/shell/lnk_file_access.h"
 #include "scratch_drive.h"
 
 namespace {
@@ -98,7 +98,7 @@ TEST(ShellLinkObject, CutsTextsToTheBufferWithoutSplittingACharacter) {
   EXPECT_EQ(o.link->GetDescription(nullptr, 8), E_INVALIDARG);
 }
 
-// The texts of a written shortcut are read back by lnkinfo (lnk_samples_test.cpp) and by Wine (tests/wine); here what
+// The texts of a written shortcut are read back by lnkinfo (shell_link_samples_test.cpp) and by Wine (tests/wine); here what
 // those leave out: the find record, the icon index and show command, and the structures a Windows reader looks at.
 TEST(ShellLinkObject, WritesAShortcutThatReadsBack) {
   ScratchDrive drive;

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/posix/testing.h"
+#include "platform/posix/files/testing.h"
 #include "platform/testing.h"
 #include "support/scratch_folder.h"
 #include "walker/walk_context.h"

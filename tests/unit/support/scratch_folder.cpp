@@ -12,7 +12,7 @@
 #ifndef _WIN32
 #include <unistd.h>
 
-#include "platform/posix/drive_table.h"
+#include "platform/posix/files/drive_table.h"
 #endif
 
 namespace fs = std::filesystem;
