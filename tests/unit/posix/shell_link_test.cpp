@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "posix/lnk/lnk_test_data.h"
 #include "platform/posix/lnk/lnk_codec.h"
 #include "platform/posix/shell/lnk_file_access.h"
+#include "posix/lnk/lnk_test_data.h"
 #include "scratch_drive.h"
 
 namespace {
@@ -98,8 +98,8 @@ TEST(ShellLinkObject, CutsTextsToTheBufferWithoutSplittingACharacter) {
   EXPECT_EQ(o.link->GetDescription(nullptr, 8), E_INVALIDARG);
 }
 
-// The texts of a written shortcut are read back by lnkinfo (shell_link_samples_test.cpp) and by Wine (tests/wine); here what
-// those leave out: the find record, the icon index and show command, and the structures a Windows reader looks at.
+// The texts of a written shortcut are read back by lnkinfo (shell_link_samples_test.cpp) and by Wine (tests/wine); here
+// what those leave out: the find record, the icon index and show command, and the structures a Windows reader looks at.
 TEST(ShellLinkObject, WritesAShortcutThatReadsBack) {
   ScratchDrive drive;
   // Names on disk are UTF-8; in the program they are Shift-JIS.
@@ -278,6 +278,49 @@ TEST(ShellLinkObject, SaveAndLoadFailCleanly) {
   }
   EXPECT_EQ(ReadBytes(drive.Linux("readonly.lnk")), std::vector<uint8_t>({1, 2, 3}));
   EXPECT_EQ(NamesIn(drive.Linux()), (Names{"cut.lnk", "folder.lnk", "readonly.lnk"}));
+}
+
+// Each file call of a save can fail on a real disk (a full disk, a network share gone, a virus scanner holding the
+// file): the save then reports that call's error, the old shortcut keeps every byte, and no half-made file stays.
+TEST(ShellLinkObject, ASaveThatFailsAtAnyCallLeavesTheOldShortcut) {
+  ScratchDrive drive;
+  ShellLink o;
+  ASSERT_EQ(o.link->SetPath("T:\\x.exe"), S_OK);
+  ASSERT_EQ(o.link->SetDescription("new"), S_OK);
+  struct Row {
+    const char *call;
+    DWORD error;
+  } rows[] = {
+      {"CreateFileW", ERROR_ACCESS_DENIED},
+      {"WriteFile", ERROR_DISK_FULL},
+      {"CloseHandle", ERROR_IO_DEVICE},
+      {"MoveFileExW", ERROR_SHARING_VIOLATION},
+  };
+  for (const Row &row : rows) {
+    WriteBytes(drive.Linux("link.lnk"), kExample);
+    ASSERT_TRUE(TestFailCalls(row.call, row.error)) << row.call;
+    EXPECT_EQ(o.persist->Save(L"T:\\link.lnk", TRUE), HRESULT_FROM_WIN32(row.error)) << row.call;
+    EXPECT_EQ(ReadBytes(drive.Linux("link.lnk")), kExample) << row.call;
+    EXPECT_EQ(NamesIn(drive.Linux()), (Names{"link.lnk"})) << row.call;
+    TestClearFaults();
+  }
+  // With the faults gone the same save goes through.
+  ASSERT_EQ(o.persist->Save(L"T:\\link.lnk", TRUE), S_OK);
+  EXPECT_EQ(ShellLink(L"T:\\link.lnk").Text(&IShellLinkA::GetDescription), "new");
+}
+
+TEST(ShellLinkObject, ALoadThatFailsAtAnyCallLeavesTheObject) {
+  ScratchDrive drive;
+  WriteBytes(drive.Linux("link.lnk"), kExample);
+  ShellLink o;
+  ASSERT_EQ(o.link->SetDescription("kept"), S_OK);
+  for (const char *call : {"CreateFileW", "ReadFile"}) {
+    ASSERT_TRUE(TestFailCalls(call, ERROR_SHARING_VIOLATION));
+    EXPECT_EQ(o.persist->Load(L"T:\\link.lnk", 0), HRESULT_FROM_WIN32(ERROR_SHARING_VIOLATION)) << call;
+    EXPECT_EQ(o.Text(&IShellLinkA::GetDescription), "kept") << call;
+    TestClearFaults();
+  }
+  EXPECT_EQ(o.persist->Load(L"T:\\link.lnk", 0), S_OK);
 }
 
 // A shortcut is read with room for the size the file gives and one byte more, so that a larger one is refused.

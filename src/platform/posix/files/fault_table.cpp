@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "platform/posix/files/drive_table.h"
-#include "platform/posix/text/path_names.h"
 #include "platform/posix/files/path_resolver.h"
 #include "platform/posix/files/testing.h"
+#include "platform/posix/text/path_names.h"
 
 namespace {
 
@@ -19,11 +19,13 @@ struct FaultRow {
   DWORD error;
 };
 
+// clang-format off
 FaultRow table[] = {
     {"FindFirstFileA", 0, 0, 0},
     {"FindNextFileA", 0, 0, 0},
     {"FindClose", 0, 0, 0},
     {"CreateFileA", 0, 0, 0},
+    {"CreateFileW", 0, 0, 0},
     {"ReadFile", 0, 0, 0},
     {"WriteFile", 0, 0, 0},
     {"CloseHandle", 0, 0, 0},
@@ -31,6 +33,7 @@ FaultRow table[] = {
     {"GetFileSizeEx", 0, 0, 0},
     {"DeleteFileA", 0, 0, 0},
     {"MoveFileA", 0, 0, 0},
+    {"MoveFileExW", 0, 0, 0},
     {"CreateDirectoryA", 0, 0, 0},
     {"RemoveDirectoryA", 0, 0, 0},
     {"GetFileAttributesA", 0, 0, 0},
@@ -41,6 +44,7 @@ FaultRow table[] = {
     {"GetDiskFreeSpaceExA", 0, 0, 0},
     {"GetVolumeInformationA", 0, 0, 0},
 };
+// clang-format on
 static_assert(sizeof table / sizeof table[0] == kFaultCount, "one row for each fault point");
 
 struct ListingFault {

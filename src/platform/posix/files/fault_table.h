@@ -1,18 +1,21 @@
 // Forced failures of the Linux backend's file operations, for tests: one row per operation in a table, in the manner of
-// a system-call table, that tests fill through platform/posix/files/testing.h. This is how a test running as root proves
-// "access refused" or "disk full". Private to the Linux backend.
+// a system-call table, that tests fill through platform/posix/files/testing.h. This is how a test running as root
+// proves "access refused" or "disk full". Private to the Linux backend.
 #pragma once
 
 #include <string>
 
 #include "platform/winapi.h"
 
-// The operations that can be made to fail; the table names each by its Windows name.
+// The operations that can be made to fail; the table names each by its Windows name. The shell link object opens and
+// replaces its file with the wide calls, as Windows' does, so that a test can fail a shortcut's load or save without
+// touching the engine's own file calls.
 enum FaultPoint {
   kFaultFindFirstFile,
   kFaultFindNextFile,
   kFaultFindClose,
   kFaultCreateFile,
+  kFaultCreateFileW,
   kFaultReadFile,
   kFaultWriteFile,
   kFaultCloseHandle,
@@ -20,6 +23,7 @@ enum FaultPoint {
   kFaultGetFileSizeEx,
   kFaultDeleteFile,
   kFaultMoveFile,
+  kFaultMoveFileExW,
   kFaultCreateDirectory,
   kFaultRemoveDirectory,
   kFaultGetFileAttributes,

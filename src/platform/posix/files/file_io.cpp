@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 
+#include "platform/posix/files/error_codes.h"
 #include "platform/posix/files/fault_table.h"
 #include "platform/posix/files/handles.h"
 #include "platform/posix/files/path_resolver.h"

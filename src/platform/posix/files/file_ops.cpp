@@ -8,9 +8,10 @@
 #include <cerrno>
 #include <string>
 
+#include "platform/posix/files/error_codes.h"
 #include "platform/posix/files/fault_table.h"
-#include "platform/posix/text/path_names.h"
 #include "platform/posix/files/path_resolver.h"
+#include "platform/posix/text/path_names.h"
 #include "platform/winapi.h"
 
 namespace {

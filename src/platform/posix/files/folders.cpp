@@ -9,11 +9,12 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/text/charset.h"
 #include "platform/posix/files/drive_table.h"
+#include "platform/posix/files/error_codes.h"
 #include "platform/posix/files/fault_table.h"
-#include "platform/posix/text/path_names.h"
 #include "platform/posix/files/path_resolver.h"
+#include "platform/posix/text/charset.h"
+#include "platform/posix/text/path_names.h"
 #include "platform/winapi.h"
 
 extern char **environ;

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/posix/files/drive_table.h"
+#include "platform/posix/files/error_codes.h"
 #include "platform/posix/files/fault_table.h"
 #include "platform/posix/text/path_names.h"
 
@@ -375,54 +376,6 @@ DWORD FindProgramPath(const char *path, DiskPath *found) {
   if (error != 0) return error;
   if (!MakeFullPath(wide, &full)) return ERROR_PATH_NOT_FOUND;
   return FindOnDisk(full, found);
-}
-
-DWORD ErrorFromErrno(int error) {
-  switch (error) {
-    case 0:
-      return 0;
-    case ENOENT:
-      return ERROR_FILE_NOT_FOUND;
-    case ENOTDIR:
-      return ERROR_PATH_NOT_FOUND;
-    case EACCES:
-    case EPERM:
-    case EISDIR:
-      return ERROR_ACCESS_DENIED;
-    case EEXIST:
-      return ERROR_ALREADY_EXISTS;
-    case ENOTEMPTY:
-      return ERROR_DIR_NOT_EMPTY;
-    case ENOSPC:
-      return ERROR_DISK_FULL;
-    case EDQUOT:
-      return ERROR_DISK_QUOTA_EXCEEDED;
-    case EROFS:
-      return ERROR_WRITE_PROTECT;
-    case ENAMETOOLONG:
-      return ERROR_FILENAME_EXCED_RANGE;
-    case ELOOP:
-      return ERROR_CANT_RESOLVE_FILENAME;
-    case EXDEV:
-      return ERROR_NOT_SAME_DEVICE;
-    case EBUSY:
-      return ERROR_BUSY;
-    case ETXTBSY:
-      return ERROR_SHARING_VIOLATION;
-    case EMFILE:
-    case ENFILE:
-      return ERROR_TOO_MANY_OPEN_FILES;
-    case ENOMEM:
-      return ERROR_NOT_ENOUGH_MEMORY;
-    case EINVAL:
-      return ERROR_INVALID_PARAMETER;
-    case EBADF:
-      return ERROR_INVALID_HANDLE;
-    case EIO:
-      return ERROR_IO_DEVICE;
-    default:
-      return ERROR_GEN_FAILURE;
-  }
 }
 
 const std::u16string &CurrentFolder(void) {

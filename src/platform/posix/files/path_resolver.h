@@ -43,9 +43,6 @@ DWORD FindOnDisk(const std::u16string &full, DiskPath *path);
 // The same for a path as the program gives it: converted, checked for length and made full first.
 DWORD FindProgramPath(const char *path, DiskPath *found);
 
-// The error Windows gives for a failed Linux call's errno, for an entry whose folder is known to be there.
-DWORD ErrorFromErrno(int error);
-
 // The current folder, full, in drive form (see GetCurrentDirectoryA in files.h).
 const std::u16string &CurrentFolder(void);
 void SetCurrentFolder(const std::u16string &full);

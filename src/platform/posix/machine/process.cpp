@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/text/charset.h"
 #include "platform/posix/files/drive_table.h"
+#include "platform/posix/text/charset.h"
 #include "platform/winapi.h"
 
 namespace {

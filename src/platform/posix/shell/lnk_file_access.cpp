@@ -14,9 +14,11 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/posix/text/charset.h"
 #include "platform/posix/files/drive_table.h"
+#include "platform/posix/files/error_codes.h"
+#include "platform/posix/files/fault_table.h"
 #include "platform/posix/files/path_resolver.h"
+#include "platform/posix/text/charset.h"
 #include "platform/winapi.h"
 
 extern char **environ;
@@ -24,24 +26,6 @@ extern char **environ;
 namespace {
 
 const uint64_t kUnixEpochAsFileTime = 116444736000000000ULL;  // 1970-01-01 in 100 ns since 1601-01-01
-
-uint32_t ErrorFromErrno(int error, uint32_t otherwise) {
-  switch (error) {
-    case ENOENT:
-    case ENOTDIR:
-      return ERROR_PATH_NOT_FOUND;
-    case EACCES:
-    case EPERM:
-    case EROFS:
-    case EISDIR:
-      return ERROR_ACCESS_DENIED;
-    case ENOSPC:
-    case EDQUOT:
-      return ERROR_DISK_FULL;
-    default:
-      return otherwise;
-  }
-}
 
 // The folder part and the name part of a Linux path.
 void SplitLinuxPath(const std::string &path, std::string *folder, std::string *name) {
@@ -56,9 +40,32 @@ bool IsReadOnly(const std::string &linuxPath, const struct stat &info) {
   return (info.st_mode & 0222) == 0 || access(linuxPath.c_str(), W_OK) != 0;
 }
 
-bool WriteAll(int fd, const std::vector<uint8_t> &bytes) {
+// The file calls of a load and a save, each through the fault table under the name of the call that Windows' shell
+// link object makes for it, so that a test can make any one of them fail. A forced failure sets errno to EIO and
+// leaves its Windows error in `*forced`, which the caller then reports in place of the mapped errno.
+int OpenFile(const char *path, int flags, mode_t mode, DWORD *forced) {
+  if (ForcedFailure(kFaultCreateFileW, forced)) {
+    errno = EIO;
+    return -1;
+  }
+  return open(path, flags | O_CLOEXEC, mode);
+}
+
+ssize_t ReadFromFile(int fd, void *buffer, size_t size, DWORD *forced) {
+  if (ForcedFailure(kFaultReadFile, forced)) {
+    errno = EIO;
+    return -1;
+  }
+  return read(fd, buffer, size);
+}
+
+bool WriteAll(int fd, const std::vector<uint8_t> &bytes, DWORD *forced) {
   size_t done = 0;
   while (done < bytes.size()) {
+    if (ForcedFailure(kFaultWriteFile, forced)) {
+      errno = EIO;
+      return false;
+    }
     ssize_t written = write(fd, bytes.data() + done, bytes.size() - done);
     if (written < 0 && errno == EINTR) continue;
     if (written <= 0) return false;
@@ -66,6 +73,26 @@ bool WriteAll(int fd, const std::vector<uint8_t> &bytes) {
   }
   return true;
 }
+
+int CloseFile(int fd, DWORD *forced) {
+  int result = close(fd);
+  if (result == 0 && ForcedFailure(kFaultCloseHandle, forced)) {
+    errno = EIO;
+    return -1;
+  }
+  return result;
+}
+
+int RenameFile(const char *from, const char *to, DWORD *forced) {
+  if (ForcedFailure(kFaultMoveFileExW, forced)) {
+    errno = EIO;
+    return -1;
+  }
+  return rename(from, to);
+}
+
+// The Windows error of a failed call: the forced one, else the mapped errno.
+DWORD FileError(int error, DWORD forced) { return forced != 0 ? forced : ErrorFromErrno(error); }
 
 // The Linux path of a drive path, each name found without case as Windows finds it (a name that is not there is
 // taken as written, so that a new file can be made). Without this, a target typed in another case than the disk's
@@ -92,14 +119,15 @@ mode_t ProcessUmask() {
 
 // Makes a new file beside the one being replaced, named after it with a leading dot (hidden on both systems) and a
 // number, and opened for writing with `mode` (less the mask). Result: the descriptor, or -1 with errno set.
-int MakeTemporary(const std::string &folder, const std::string &name, mode_t mode, std::string *temporary) {
+int MakeTemporary(const std::string &folder, const std::string &name, mode_t mode, std::string *temporary,
+                  DWORD *forced) {
   static const unsigned process = static_cast<unsigned>(getpid());
   static unsigned counter = 0;
   for (int attempt = 0; attempt < 100; ++attempt) {
     char suffix[32];
     std::snprintf(suffix, sizeof suffix, ".%x-%x", process, counter++);
     *temporary = folder + "/." + name + suffix;
-    int fd = open(temporary->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode & 0777);
+    int fd = OpenFile(temporary->c_str(), O_WRONLY | O_CREAT | O_EXCL, mode & 0777, forced);
     // A name left by an earlier run that was stopped in the middle of a save: the next number.
     if (fd >= 0 || errno != EEXIST) return fd;
   }
@@ -135,19 +163,21 @@ uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vecto
 }
 
 uint32_t ReadLinuxFile(const std::string &linuxPath, size_t limit, std::vector<uint8_t> *bytes) {
-  int fd = open(linuxPath.c_str(), O_RDONLY | O_CLOEXEC);
+  DWORD forced = 0;
+  int fd = OpenFile(linuxPath.c_str(), O_RDONLY, 0, &forced);
   if (fd < 0) {
     int error = errno;
+    if (forced != 0 || error != ENOENT) return FileError(error, forced);
     std::string folder, name;
     SplitLinuxPath(linuxPath, &folder, &name);
     struct stat info;
     bool folderThere = stat(folder.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-    return error == ENOENT && folderThere ? ERROR_FILE_NOT_FOUND : ErrorFromErrno(error, ERROR_READ_FAULT);
+    return folderThere ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
   }
   struct stat info;
   uint32_t result = ERROR_SUCCESS;
   if (fstat(fd, &info) != 0) {
-    result = ERROR_READ_FAULT;
+    result = ErrorFromErrno(errno);
   } else if (S_ISDIR(info.st_mode)) {
     result = ERROR_ACCESS_DENIED;
   } else if (static_cast<uint64_t>(info.st_size) > limit) {
@@ -161,10 +191,10 @@ uint32_t ReadLinuxFile(const std::string &linuxPath, size_t limit, std::vector<u
     size_t done = 0;
     bytes->resize(room);
     for (;;) {
-      ssize_t got = read(fd, bytes->data() + done, room - done);
-      if (got < 0 && errno == EINTR) continue;
+      ssize_t got = ReadFromFile(fd, bytes->data() + done, room - done, &forced);
+      if (got < 0 && errno == EINTR && forced == 0) continue;
       if (got < 0) {
-        result = ERROR_READ_FAULT;
+        result = FileError(errno, forced);
         break;
       }
       done += static_cast<size_t>(got);
@@ -226,27 +256,29 @@ uint32_t ReplaceShortcutFile(const std::string &drivePath, const std::vector<uin
   if (there && (isFolder || readOnly)) return ERROR_ACCESS_DENIED;
   if (!there) mode = 0666 & ~ProcessUmask();
   std::string temporary;
-  int fd = MakeTemporary(folder, name, mode, &temporary);
-  if (fd < 0) return ErrorFromErrno(errno, ERROR_WRITE_FAULT);
+  DWORD forced = 0;
+  int fd = MakeTemporary(folder, name, mode, &temporary, &forced);
+  // The only folder met on the way is the one that would hold the file: a missing entry is a missing folder.
+  if (fd < 0) return errno == ENOENT && forced == 0 ? ERROR_PATH_NOT_FOUND : FileError(errno, forced);
   // The new file is not synced before the rename. The rename alone keeps a failed save from harming the old shortcut,
   // while waiting for the disk on every save (fsync) cost up to 7 ms a shortcut, more than all the rest of its repair
   // (bench/README.md). Across a crash of the machine, ext4 with its default auto_da_alloc writes the data of a file
   // renamed over another before the rename is committed.
-  bool ok = WriteAll(fd, bytes);
+  bool ok = WriteAll(fd, bytes, &forced);
   // The mask took bits from the mode the file was made with, or the mode has bits beyond the permissions.
   if (ok && (mode & (ProcessUmask() | ~0777u)) != 0) ok = fchmod(fd, mode) == 0;
   int error = ok ? 0 : errno;
-  if (close(fd) != 0 && ok) {
+  if (CloseFile(fd, &forced) != 0 && ok) {
     ok = false;
     error = errno;
   }
-  if (ok && rename(temporary.c_str(), linuxPath.c_str()) != 0) {
+  if (ok && RenameFile(temporary.c_str(), linuxPath.c_str(), &forced) != 0) {
     ok = false;
     error = errno;
   }
   if (!ok) {
     unlink(temporary.c_str());
-    return ErrorFromErrno(error, ERROR_WRITE_FAULT);
+    return FileError(error, forced);
   }
   return ERROR_SUCCESS;
 }

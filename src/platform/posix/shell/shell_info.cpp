@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/posix/lnk/lnk_codec.h"
-#include "platform/posix/shell/lnk_file_access.h"
-#include "platform/posix/lnk/lnk_text.h"
 #include "platform/posix/files/path_resolver.h"
+#include "platform/posix/lnk/lnk_codec.h"
+#include "platform/posix/lnk/lnk_text.h"
+#include "platform/posix/shell/lnk_file_access.h"
 #include "platform/winapi.h"
 
 namespace {

@@ -7,9 +7,9 @@
 #include <new>
 
 #include "platform/posix/lnk/lnk_codec.h"
-#include "platform/posix/text/path_names.h"
-#include "platform/posix/shell/lnk_file_access.h"
 #include "platform/posix/lnk/lnk_text.h"
+#include "platform/posix/shell/lnk_file_access.h"
+#include "platform/posix/text/path_names.h"
 
 const IID IID_IUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 const IID IID_IPersist = {0x0000010C, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
