@@ -97,7 +97,7 @@ unsigned ProcessShortcut(HWND window, const char *path, unsigned flags, const ch
       char *real = ToRealNetworkPath(baseFolder, &saved);
       if (saved != 0 && real != baseFolder) std::memmove(baseFolder, real, std::strlen(real) + 1);
     }
-    MakeExactPath(baseFolder, 8, 0);
+    MakeExactPath(baseFolder, kExactLongNames, 0);
     icon[0] = 0;
     arguments[0] = 0;
     description[0] = 0;
@@ -112,13 +112,13 @@ unsigned ProcessShortcut(HWND window, const char *path, unsigned flags, const ch
     }
     int showCmd = 1;
     int iconIndex = 0;
-    status = ReadShortcut(window, target, arguments, icon, description, &showCmd, &iconIndex, 0x20);
+    status = ReadShortcut(window, target, arguments, icon, description, &showCmd, &iconIndex, kReadModeProcessing);
     std::snprintf(workingFolder, kPathSize, "%s", KeptText(0));
     ExpandEnvironmentNames(target);
     ExpandEnvironmentNames(icon);
-    if (status < kReadResolveFailed) {
-      MakeExactPath(target, 8, 0);
-      if (status & kReadTargetFile) MakeExactPath(icon, 8, 0);
+    if (status < kReadUnreadable) {
+      MakeExactPath(target, kExactLongNames, 0);
+      if (status & kReadTargetFile) MakeExactPath(icon, kExactLongNames, 0);
       // The pending rows: a field that was offered and did not change, shown only if another field did.
       struct Pending {
         unsigned id;

@@ -31,8 +31,6 @@ char *keptTexts[3];
 int keepRawWorkingFolder = 0;
 DWORD targetAttributes = 0;
 
-const int kNotTested = -10000;
-
 void CopyText(char *dest, const char *src) { std::snprintf(dest, kPathSize, "%s", src); }
 
 // A missing target's text: what shape it has, and whether it is set aside as the raw target.
@@ -41,25 +39,26 @@ unsigned ClassifyMissingTarget(char *rawTarget, char *target) {
   TrimTrailingSpace(target);
   if (*target == 0) return 0;
   int code = LocateTarget(target);
-  if (code == -3 || code == 0 || PathKind(target) == 1) {
-    int shape = ClassifyPathShape(target, 1);
-    if (shape == 1) return 0;
+  if (code == kTargetNoDrive || code == kTargetNotFound || PathKind(target) == kPathNothing) {
+    int shape = ClassifyPathShape(target, kPathNothing);
+    if (shape == kPathNothing) return 0;
     CopyText(rawTarget, target);
     target[0] = 0;
-    if (code == -3) return 0xC0C;
-    if (shape == 2) return 0x804;
-    if (shape == 4) return 0x408;
-    return code == -1 ? 0x10 : 0;
+    if (code == kTargetNoDrive) return kReadMissingDriveShape;
+    if (shape == kPathFile) return kReadMissingFileShape;
+    if (shape == kPathFolder) return kReadMissingFolderShape;
+    if (code == kTargetFoundRespelled) return kReadNoShortcut;
+    return 0;
   }
   int kind = PathKind(target);
   unsigned result = 0;
   if (IsUncPrefix(target)) {
     CopyText(rawTarget, target);
     target[0] = 0;
-    result = (kind & 4) ? 0x408 : 0x804;
+    result = (kind & kPathFolder) ? kReadMissingFolderShape : kReadMissingFileShape;
   }
-  if (kind == 2) result += 4;
-  if (kind == 4 && FindCharacter(target, '\\') != nullptr) result += 8;
+  if (kind == kPathFile) result += kReadTargetFile;
+  if (kind == kPathFolder && FindCharacter(target, '\\') != nullptr) result += kReadTargetFolder;
   return result;
 }
 
@@ -73,7 +72,7 @@ void RepairTargetText(HWND window, const char *workingFolder, const char *rawTar
     JoinPath(result, folder, result);
   }
   if (*rawTarget != 0 && (status & kReadMissingDrive)) {
-    if ((localMode & 0x22) && !quietReader) ReportMissingLinkTarget(window, rawTarget);
+    if ((localMode & kReadModeSearchesAll) && !quietReader) ReportMissingLinkTarget(window, rawTarget);
     CopyText(result, rawTarget);
   }
 }
@@ -81,7 +80,7 @@ void RepairTargetText(HWND window, const char *workingFolder, const char *rawTar
 // The whole of a file in a zeroed block of its size plus 2, or null (not a file, a program, unreadable).
 HGLOBAL ReadWholeFile(char *path, unsigned long long *sizeOut) {
   *sizeOut = 0;
-  if (PathKind(path) != 2) return nullptr;
+  if (PathKind(path) != kPathFile) return nullptr;
   SHFILEINFOA info;
   std::memset(&info, 0, sizeof info);
   if (SHGetFileInfoA(path, 0, &info, sizeof info, SHGFI_EXETYPE) != 0) return nullptr;
@@ -119,27 +118,27 @@ size_t ScanPifString(const char *string, char *path, char *folder, size_t positi
     return position - 1;
   }
   int kind = PathKind(text);
-  if (kind == 1) {
-    kind = ClassifyPathShape(text, 1);
-    if (kind == 1) {
-      *status |= 0x1C00;
+  if (kind == kPathNothing) {
+    kind = ClassifyPathShape(text, kPathNothing);
+    if (kind == kPathNothing) {
+      *status |= kReadPifStringRefused;
       return position - 1;
     }
   }
   int code = LocateTarget(text);
-  if (code == -3) {
-    *status |= 0x1C00;
+  if (code == kTargetNoDrive) {
+    *status |= kReadPifStringRefused;
     return 0;
   }
-  if (code == -1 || code == 1 || code == kNotTested) QuoteIfSpaced(text);
-  if (kind == 2) {
+  if (code == kTargetFoundRespelled || code == kTargetFound || code == kTargetNotTested) QuoteIfSpaced(text);
+  if (kind == kPathFile) {
     *status |= kReadShapeFile | kReadTargetFile;
     CopyText(path, text);
-  } else if (kind == 4) {
+  } else if (kind == kPathFolder) {
     *status |= kReadShapeFolder | kReadTargetFolder;
     CopyText(folder, text);
   } else {
-    *status |= 0x1C00;
+    *status |= kReadPifStringRefused;
   }
   return position - 1;
 }
@@ -172,7 +171,8 @@ void SetSkipResolve(int value) { skipResolve = value; }
 void SetQuietReader(int value) { quietReader = value; }
 
 int LocateTarget(const char *path) {
-  if (!(readMode & 0x22) && IsOnRemovableMedia(path)) return (readMode & 0x40) ? kNotTested : 1;
+  if (!(readMode & kReadModeSearchesAll) && IsOnRemovableMedia(path))
+    return (readMode & kReadModeRemovableNotTested) ? kTargetNotTested : kTargetFound;
   char text[kPathSize];
   CopyText(text, path);
   char *name = text;
@@ -183,8 +183,8 @@ int LocateTarget(const char *path) {
   }
   char found[kPathSize];
   int result = SearchForFile(name, found, kPathSize);
-  if (result == -3) return -3;
-  return result == 0 ? 1 : 0;
+  if (result == kSearchNoDrive) return kTargetNoDrive;
+  return result == kSearchFound ? kTargetFound : kTargetNotFound;
 }
 
 int ClassifyPathShape(char *text, int fallback) {
@@ -192,14 +192,14 @@ int ClassifyPathShape(char *text, int fallback) {
   bool rooted =
       (IsCharAlphaA(text[0]) && text[1] == ':' && IsSingleByteCharAt(text, text, '\\', 2)) || IsUncPrefix(text);
   char *dot = ExtensionDot(text, nullptr);
-  if (NextSeparator(text) == nullptr) return dot != nullptr ? 2 : fallback;
+  if (NextSeparator(text) == nullptr) return dot != nullptr ? kPathFile : fallback;
   if (!rooted) return fallback;
   for (char *rest = text;;) {
     dot = ExtensionDot(rest, nullptr);
-    if (dot == nullptr) return 4;
+    if (dot == nullptr) return kPathFolder;
     char *separator = NextSeparator(dot);
-    if (separator == nullptr) return 2;
-    if (NextSeparator(separator + 1) == nullptr) return 2;
+    if (separator == nullptr) return kPathFile;
+    if (NextSeparator(separator + 1) == nullptr) return kPathFile;
     rest = separator;
   }
 }
@@ -211,7 +211,7 @@ void SetKeptText(const char *text, int slot) {
   if (copy == nullptr) return;
   CopyText(copy, text);
   ExpandEnvironmentNames(copy);
-  if (slot != 0 || !keepRawWorkingFolder) MakeExactPath(copy, 8, 0);
+  if (slot != 0 || !keepRawWorkingFolder) MakeExactPath(copy, kExactLongNames, 0);
   if (keptHandles[slot] != nullptr && keptTexts[slot] != nullptr) GlobalUnlock(keptHandles[slot]);
   keptHandles[slot] = StoreToBlock(nullptr, keptHandles[slot], copy);
   keptTexts[slot] = static_cast<char *>(GlobalLock(keptHandles[slot]));
@@ -296,20 +296,20 @@ unsigned ReadShortcut(HWND window, char *path, char *arguments, char *icon, char
           }
           if (work[0] != 0) {
             int code = LocateTarget(work);
-            if (code == 1 || code == -1) {
+            if (code == kTargetFound || code == kTargetFoundRespelled) {
               // The index passed on is the shell's reading of the shortcut file; the stored one is dropped.
               SHFILEINFOA info;
               std::memset(&info, 0, sizeof info);
               if (iconIndexOut != nullptr && SHGetFileInfoA(path, 0, &info, sizeof info, SHGFI_ICONLOCATION))
                 *iconIndexOut = info.iIcon;
-              if (mode & 0x01) {
-                localMode = 4;
+              if (mode & kReadModeIconAsResult) {
+                localMode = kReadModeIconFound;
                 CopyText(result, work);
               } else {
-                localMode |= 4;
+                localMode |= kReadModeIconFound;
               }
             } else {
-              if (code == kNotTested) work[0] = 0;
+              if (code == kTargetNotTested) work[0] = 0;
               status = kReadIconMissing;
             }
           }
@@ -324,9 +324,9 @@ unsigned ReadShortcut(HWND window, char *path, char *arguments, char *icon, char
             result[0] = 0;
           } else {
             int code = LocateTarget(work);
-            if (code == 0 || code == -3 || code == kNotTested) {
+            if (code == kTargetNotFound || code == kTargetNoDrive || code == kTargetNotTested) {
               status |= kReadTargetMissing;
-              if (code == -3) {
+              if (code == kTargetNoDrive) {
                 CopyText(rawTarget, work);
                 status |= kReadMissingDrive;
               }
@@ -340,26 +340,28 @@ unsigned ReadShortcut(HWND window, char *path, char *arguments, char *icon, char
               else
                 status |= kReadZeroAttributes;
             }
-            if (localMode != 4 && work[0] != 0) CopyText(result, work);
+            // A local mode of exactly kReadModeIconFound: the icon's file was taken as the result.
+            bool iconIsResult = localMode == kReadModeIconFound;
+            if (!iconIsResult && work[0] != 0) CopyText(result, work);
             // A shortcut without an icon location gets its target as its icon, and is written back so.
             if (icon != nullptr && icon[0] == 0 && work[0] != 0) {
               CopyText(icon, work);
               if (status & kReadTargetMissing) status |= kReadIconMissing;
             }
-            if (localMode == 4) {
+            if (iconIsResult) {
               repair = false;
             } else {
               if (arguments != nullptr && FAILED(link->GetArguments(arguments, kPathSize))) arguments[0] = 0;
               if (FAILED(link->GetWorkingDirectory(workingFolder, kPathSize))) {
                 workingFolder[0] = 0;
-                if (mode & 0x01) keepRawWorkingFolder = 1;
+                if (mode & kReadModeIconAsResult) keepRawWorkingFolder = 1;
               }
               if (workingFolder[0] != 0) {
                 int folderCode = LocateTarget(workingFolder);
-                if (folderCode == -3 || folderCode == 0) {
+                if (folderCode == kTargetNoDrive || folderCode == kTargetNotFound) {
                   status |= kReadFolderMissing;
                   keepRawWorkingFolder = 1;
-                } else if (folderCode == kNotTested || (mode & 0x01)) {
+                } else if (folderCode == kTargetNotTested || (mode & kReadModeIconAsResult)) {
                   keepRawWorkingFolder = 1;
                 }
               }
@@ -378,7 +380,7 @@ unsigned ReadShortcut(HWND window, char *path, char *arguments, char *icon, char
       if (persist != nullptr) persist->Release();
       if (link != nullptr) link->Release();
     }
-    if (repair && !(localMode & 0x08) && status > 0)
+    if (repair && !(localMode & kReadModeNoRepair) && status > 0)
       RepairTargetText(window, workingFolder, rawTarget, localMode, status, result);
     if (result[0] != 0) CopyText(path, result);
   }

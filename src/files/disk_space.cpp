@@ -46,9 +46,9 @@ void NetworkVolumeRoot(char *root) {
   if (real != root) std::memmove(root, real, std::strlen(real) + 1);
   while (std::abs(PathDepth(root)) > 3) {
     int cut = CutLastComponent(root);
-    if (cut == -10)
+    if (cut == kCutEndsInBackslash)
       root[std::strlen(root) - 1] = 0;  // a trailing backslash first
-    else if (cut != -20 && cut != -30)
+    else if (cut != kCutAtBackslash && cut != kCutBehindRoot)
       break;
   }
   EnsureTrailingBackslash(root);

@@ -71,7 +71,7 @@ int Rebuild(char *path, char *work, unsigned char flags, int *foundBySearch) {
   }
 
   if (FindCharacter(walked, '\\') == nullptr) {
-    if (SearchForFile(path, walked, kPathSize) == 0) {
+    if (SearchForFile(path, walked, kPathSize) == kSearchFound) {
       *foundBySearch = 1;
     } else {
       CopyText(walked, path);

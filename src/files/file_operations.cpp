@@ -35,7 +35,7 @@ GetFileSizeExCall fileSizeEx = nullptr;
 
 // Title of the access question for a refused delete or remove.
 const UINT kDeleteTitleId = kMsgDeleteTitle;
-const UINT kWarningStyle = 48;
+const UINT kWarningStyle = MB_ICONEXCLAMATION;
 
 void MoveChangeCounter(int success) {
   // Unsigned arithmetic: the counter wraps instead of overflowing, and from then on only falls.
@@ -175,19 +175,19 @@ HANDLE OpenPath(char *path, DWORD access, DWORD share, DWORD disposition, DWORD 
 }
 
 int SearchForFile(char *name, char *out, DWORD outSize) {
-  if (name == nullptr || *name == 0) return 1;
+  if (name == nullptr || *name == 0) return kSearchNotFound;
   RealPath real;
-  if (!MakeRealPath(name, &real)) return 0;
+  if (!MakeRealPath(name, &real)) return kSearchFound;
   if (!IsNetworkPath(name) && FindCharacter(name, '\\') != nullptr) {
     // Deliberately the root of the first letter whatever the name looks like: a relative "a\b" asks for "a:\".
     char root[4] = {name[0], ':', '\\', 0};
-    if (PathAccessible(root) != 0) return -3;
+    if (PathAccessible(root) != 0) return kSearchNoDrive;
   }
   HGLOBAL handle = 0;
   char *copy = AcquireBlock(&handle, nullptr, kPathSize, nullptr);
   if (copy == nullptr) {
     RestoreRealPath(real);
-    return 1;
+    return kSearchNotFound;
   }
   CopyPath(copy, real.text);
   RestoreRealPath(real);
@@ -196,14 +196,14 @@ int SearchForFile(char *name, char *out, DWORD outSize) {
   DWORD length = SearchPathA(nullptr, copy, nullptr, outSize, out, &filePart);
   SettleErrors(CaptureLastError());
   ReleaseBlock(handle, copy);
-  if (length != 0 && length < outSize) return 0;
-  if (IsProgramFileName(name)) return 1;
+  if (length != 0 && length < outSize) return kSearchFound;
+  if (IsProgramFileName(name)) return kSearchNotFound;
   // A name that is no program is taken as a path of its own: found if it is there.
   if (outSize > 0) {
     std::strncpy(out, name, outSize - 1);
     out[outSize - 1] = 0;
   }
-  return PathAccessible(name) == 0 ? 0 : 1;
+  return PathAccessible(name) == 0 ? kSearchFound : kSearchNotFound;
 }
 
 int DeleteFilePath(char *path) {

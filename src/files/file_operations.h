@@ -34,11 +34,14 @@ HANDLE CreateFileOn(char *path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES
 // INVALID_HANDLE_VALUE (also for a place of the network view).
 HANDLE OpenPath(char *path, DWORD access, DWORD share, DWORD disposition, DWORD attributes);
 
-// Looks for `name` along the system's search path (SearchPathA) and writes the full path to `out`. Result: 0 found;
-// 1 not found or an empty name; -3 when the name holds a backslash and the root of its first letter ("X:\") is not
-// there. A name without a program extension that the search misses is copied to `out` as it stands, with 0 if it
-// exists as a path and 1 if not; a program name that the search misses leaves `out` alone. A place of the network
-// view gives 0 and leaves `out` alone.
+// What SearchForFile finds.
+enum SearchResult { kSearchFound = 0, kSearchNotFound = 1, kSearchNoDrive = -3 };
+
+// Looks for `name` along the system's search path (SearchPathA) and writes the full path to `out`. Result: a
+// SearchResult: found; not found or an empty name; no drive when the name holds a backslash and the root of its first
+// letter ("X:\") is not there. A name without a program extension that the search misses is copied to `out` as it
+// stands, with 0 if it exists as a path and 1 if not; a program name that the search misses leaves `out` alone. A place
+// of the network view gives 0 and leaves `out` alone.
 int SearchForFile(char *name, char *out, DWORD outSize);
 
 // DeleteFileA on a path that may be in double quotes. A refused access is put to the user (the access question). A

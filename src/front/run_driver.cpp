@@ -32,11 +32,11 @@ unsigned reservedWord = 0;
 
 unsigned WalkFlagsFor(unsigned mode, int driveLetter) {
   char letters[27];
-  DriveLettersOfKinds(letters, 16);
+  DriveLettersOfKinds(letters, kDriveKindCdRom);
   int wanted = std::tolower(static_cast<unsigned char>(driveLetter));
   for (const char *p = letters; *p != 0; ++p)
-    if (std::tolower(static_cast<unsigned char>(*p)) == wanted) return 0x18;
-  return mode == kIdSimulationRun ? 0x18 : 8;
+    if (std::tolower(static_cast<unsigned char>(*p)) == wanted) return kWalkShortcuts | kWalkDryRun;
+  return mode == kIdSimulationRun ? kWalkShortcuts | kWalkDryRun : kWalkShortcuts;
 }
 
 unsigned CheckStartFolder(char *folder) {
@@ -62,7 +62,7 @@ unsigned ReplaceFromControls(unsigned mode) {
   if (IsControlChecked(nullptr, kIdSearchInFolder)) {
     unsigned fault = CheckStartFolder(work);
     if (fault != 0) return fault;
-    MakeExactPath(work, 8, 0);
+    MakeExactPath(work, kExactLongNames, 0);
     if (mode == kIdSimulationRun) ConsolePrintf("\nSimulation...\n");
     ScanFolderTree(nullptr, nullptr, WalkFlagsFor(mode, work[0]) | kWalkSubfolders, &count, work, "*.lnk", nullptr);
   } else {

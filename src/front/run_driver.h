@@ -9,10 +9,11 @@
 int RunPass(unsigned showFoldersId, unsigned reportChangedId, int confirm);
 // The wind-up frame around the pass. Result: always 0.
 int RunReplacement(HWND window, unsigned reserved);
-// The pass itself. `mode` 1 is a real run, 3036 a simulation. Result: 0 for a finished pass, else the id of the
-// control whose content was missing or unusable (3010, 3011, 3018).
+// The pass itself. `mode` 1 is a real run, kIdSimulationRun a simulation. Result: 0 for a finished pass, else the id of
+// the control whose content was missing or unusable (kIdOldString, kIdNewString, kIdSearchFolder).
 unsigned ReplaceFromControls(unsigned mode);
-// Reads and checks the search folder of the store into `folder` (520 bytes). Result 0, or 3018.
+// Reads and checks the search folder of the store into `folder` (520 bytes). Result 0, or kIdSearchFolder.
 unsigned CheckStartFolder(char *folder);
-// 8 for a real pass, 0x18 for a simulation: a start folder on a CD-ROM drive, or mode 3036.
+// kWalkShortcuts for a real pass, with kWalkDryRun for a simulation: a start folder on a CD-ROM drive, or mode
+// kIdSimulationRun.
 unsigned WalkFlagsFor(unsigned mode, int driveLetter);

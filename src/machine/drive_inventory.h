@@ -1,7 +1,10 @@
 // The drive inventory: the kinds of the machine's drives.
 #pragma once
 
-// Writes the letters of the drives whose kind is in `kindMask` (16: CD-ROM) to `buffer` (27 bytes), terminated.
+// Bits of a drive kind mask.
+enum DriveKindBit : unsigned { kDriveKindCdRom = 16 };
+
+// Writes the letters of the drives whose kind is in `kindMask` to `buffer` (27 bytes), terminated.
 // Result: their number.
 int DriveLettersOfKinds(char *buffer, unsigned kindMask);
 // 1 when the path lies on a drive of a removable kind (CD-ROM, removable disk).

@@ -12,8 +12,8 @@
 
 namespace {
 
-const unsigned kWarningStyle = 48;  // warning icon, any key
-const unsigned kStopStyle = 16;     // stop icon, any key
+const unsigned kWarningStyle = MB_ICONEXCLAMATION;  // warning icon, any key
+const unsigned kStopStyle = MB_ICONHAND;            // stop icon, any key
 
 int lowMemoryWarned = 0;
 

@@ -106,17 +106,17 @@ int BackslashWasTrimmedFlag(void) { return backslashWasTrimmed; }
 void ClearBackslashWasTrimmed(void) { backslashWasTrimmed = 0; }
 
 int CutLastComponent(char *path) {
-  if (path == nullptr || *path == 0) return 0;
+  if (path == nullptr || *path == 0) return kCutNothing;
   char *last = FindLastCharacter(path, '\\');
-  if (last == nullptr || *last != '\\') return 0;
-  if (last[1] == 0) return -10;
+  if (last == nullptr || *last != '\\') return kCutNothing;
+  if (last[1] == 0) return kCutEndsInBackslash;
   int result;
   if (IsRootSeparator(last, path, 1)) {
     last[1] = 0;
-    result = -30;
+    result = kCutBehindRoot;
   } else {
     *last = 0;
-    result = -20;
+    result = kCutAtBackslash;
   }
   BalanceQuotes(&path, 0);
   return result;

@@ -30,8 +30,14 @@ char *EnsureTrailingBackslash(char *path);
 int TrimFolderBackslash(char *path);
 int BackslashWasTrimmedFlag(void);
 void ClearBackslashWasTrimmed(void);
-// Goes up one folder: 0 nothing to do, -10 the path ends in its last backslash, -20 cut at the last backslash, -30
-// cut behind a root separator.
+// What CutLastComponent did. The values are statuses, not lengths.
+enum CutResult {
+  kCutNothing = 0,            // no path, or no backslash in it
+  kCutEndsInBackslash = -10,  // nothing cut: the path ends in its last backslash
+  kCutAtBackslash = -20,      // cut at the last backslash
+  kCutBehindRoot = -30,       // cut behind a root separator, which stays
+};
+// Goes up one folder. Result: a CutResult.
 int CutLastComponent(char *path);
 // A copy of `src` without a trailing quote: in `dest`, or in one static buffer when `dest` is null or `src` itself.
 char *CutTrailingQuote(char *dest, const char *src);

@@ -6,6 +6,7 @@
 
 #include "console/console_prompt.h"
 #include "engine/shortcut_processing.h"
+#include "engine/shortcut_reader.h"
 #include "files/directory_search.h"
 #include "files/file_operations.h"
 #include "reports/memory_reports.h"
@@ -55,7 +56,7 @@ bool FileTimeBefore(const FILETIME &a, const FILETIME &b) {
 
 // One delete or move. The move mode has no destination in this edition, so a move is never done.
 int DoEntryOperation(char *path, int action) {
-  if (action == 5 || action == 9) {
+  if (action == kEntryDeleteFile || action == kEntryDeleteFolder) {
     DWORD attributes = 0;
     bool folder = GetPathAttributes(path, &attributes) == 0 && (attributes & FILE_ATTRIBUTE_DIRECTORY);
     int failed = folder ? RemoveFolderPath(path) : DeleteFilePath(path);
@@ -76,7 +77,7 @@ int RunEntryOperation(HWND, char *path, unsigned, int action) {
   return kMarkDone;
 }
 
-int RemoveFolderEntry(char *path) { return RunEntryOperation(nullptr, path, 0, 9); }
+int RemoveFolderEntry(char *path) { return RunEntryOperation(nullptr, path, 0, kEntryDeleteFolder); }
 
 int AcceptEntry(FindRecord record) {
   DWORD attributes = record.dwFileAttributes;
@@ -146,7 +147,7 @@ int ActOnEntry(HWND owner, int action, FindRecord record) {
         }
       } else if (g_walk.WalkFlags & kWalkShortcuts) {
         std::snprintf(g_walk.LineBuffer, kPathSize, "%s", g_walk.EntryBuffer);
-        unsigned mode = ((g_walk.WalkFlags & kWalkDryRun) | 8) * 8;
+        unsigned mode = (g_walk.WalkFlags & kWalkDryRun) ? kProcessReplace | kProcessSimulate : kProcessReplace;
         g_walk.WalkStatus = ReplaceInShortcut(owner, g_walk.LineBuffer, mode, nullptr);
         if (!CurrentShortcutChanges()) {
           g_walk.LineBuffer[0] = 0;
@@ -154,7 +155,7 @@ int ActOnEntry(HWND owner, int action, FindRecord record) {
           char mark = kMarkDone;
           // A shortcut that could not be read is never marked changed by the engine; the test stays as the contract
           // between the two sides.
-          if (g_walk.WalkStatus >= 0x10000) {
+          if (g_walk.WalkStatus >= static_cast<int>(kReadUnreadable)) {
             g_walk.Outcome = AddOutcome(g_walk.Outcome, kWalkFailed);
             mark = kMarkFailed;
           }

@@ -23,6 +23,9 @@
 namespace {
 
 const char kAllEntries[] = "*.*";
+// The button bits of a prompt style that ask a question with answers (MB_ABORTRETRYIGNORE, MB_YESNO and their sum,
+// MB_YESNOCANCEL): the question then names them.
+const unsigned kAnswerButtons = MB_ABORTRETRYIGNORE | MB_YESNO;
 
 bool IsDotName(const char *name) { return DotEntryTest(name) || DotDotEntryTest(name); }
 
@@ -74,8 +77,8 @@ int EnterSubfolder(HWND owner, FindHandle handle, FindRecord record) {
 int IsFileEntry(DWORD attributes) {
   if (attributes & FILE_ATTRIBUTE_DIRECTORY) return 0;
   if (g_walk.TypeFilter == 0) return 1;
-  if (g_walk.TypeFilter & 0x100) {
-    if (g_walk.TypeFilter & 0x200) g_walk.TypeFilterNow &= ~0x200u;
+  if (g_walk.TypeFilter & kTypeFiles) {
+    if (g_walk.TypeFilter & kTypeFolders) g_walk.TypeFilterNow &= ~kTypeFolders;
     return 1;
   }
   return 0;
@@ -91,8 +94,8 @@ int SelectFileEntry(DWORD attributes, const char *name) {
 
 int SelectFolderEntry(DWORD attributes) {
   if (!(attributes & FILE_ATTRIBUTE_DIRECTORY)) return 0;
-  if (g_walk.TypeFilter & 0x200) {
-    if (g_walk.TypeFilter & 0x100) g_walk.TypeFilterNow &= ~0x100u;
+  if (g_walk.TypeFilter & kTypeFolders) {
+    if (g_walk.TypeFilter & kTypeFiles) g_walk.TypeFilterNow &= ~kTypeFiles;
     return 1;
   }
   if (g_walk.WalkFlags & kWalkSubfolders) {
@@ -104,7 +107,9 @@ int SelectFolderEntry(DWORD attributes) {
 
 int IsNetworkViewLevel(const char *path) { return (ClassifyNetworkPath(path) & (kNetRoot | kNetGroup | kNetServer)); }
 
-int IsNetworkPasswordError(DWORD error) { return error == 86 || error == 58 ? 1 : 0; }
+int IsNetworkPasswordError(DWORD error) {
+  return error == ERROR_INVALID_PASSWORD || error == ERROR_BAD_NET_RESP ? 1 : 0;
+}
 
 int IsNetworkError(DWORD error) {
   static const DWORD kErrors[] = {50,   52,   53,   54,   55,   56,   57,   58,   59,   64,   65,   66,   67,
@@ -125,8 +130,8 @@ int NetworkAccessPrompt(HWND owner, const char *path, unsigned style) {
   if (text == nullptr) return 1;
   LoadStrings(kMsgNetworkRefusedAskPassword, kMsgPasswordAskButtons);
   std::snprintf(text, 65535, "%s", FirstSlotText());
-  if (style & 0x10) std::strncat(text, SecondSlotText(), 65535 - std::strlen(text) - 1);
-  if (style & 0x06) {
+  if (style & MB_ICONHAND) std::strncat(text, SecondSlotText(), 65535 - std::strlen(text) - 1);
+  if (style & kAnswerButtons) {
     LoadStrings(kMsgPasswordAskButtonsQuiet, kMsgFolderFileErrorTitle);
     std::strncat(text, FirstSlotText(), 65535 - std::strlen(text) - 1);
   }
@@ -163,7 +168,7 @@ int ScanFolder(HWND owner) {
     JoinPath(g_walk.SearchPattern, g_walk.FolderPath, g_walk.Mask);
     g_walk.WalkStatus = FindFirstEntry(&handle, g_walk.SearchPattern, &record);
     if (g_walk.NetworkWalk && g_walk.NetworkPromptOn) {
-      int answer = NetworkAccessPrompt(owner, g_walk.FolderPath, 0x33);
+      int answer = NetworkAccessPrompt(owner, g_walk.FolderPath, MB_ICONEXCLAMATION | MB_YESNOCANCEL);
       if (answer == 4) {
         maskIndex = -1;
         continue;
@@ -196,7 +201,8 @@ int ScanFolder(HWND owner) {
       bool acted = false;  // take the status test of an action (or a descent)
       bool named = false;  // take the name-list test
       if (select == 1) {
-        g_walk.WalkStatus = ActOnEntry(owner, (g_walk.WalkFlags & kWalkDelete) ? 5 : 6, record);
+        g_walk.WalkStatus =
+            ActOnEntry(owner, (g_walk.WalkFlags & kWalkDelete) ? kEntryDeleteFile : kEntryActOnFile, record);
         if (g_walk.WalkStatus != 0)
           acted = true;
         else
@@ -209,7 +215,8 @@ int ScanFolder(HWND owner) {
         // The levels of the network view list only folders, so there the mask pass goes down too. On a drive a
         // folder called "x.lnk" is no entry of this pass.
         if (g_walk.TypeFilterNow && (g_walk.WalkFlags & kWalkMove))
-          g_walk.WalkStatus = ActOnEntry(owner, (g_walk.WalkFlags & kWalkDelete) ? 9 : 10, record);
+          g_walk.WalkStatus =
+              ActOnEntry(owner, (g_walk.WalkFlags & kWalkDelete) ? kEntryDeleteFolder : kEntryActOnFolder, record);
         g_walk.TypeFilterNow = g_walk.TypeFilter;
         if (g_walk.WalkFlags & kWalkSubfolders) {
           g_walk.WalkStatus = EnterSubfolder(owner, handle, record);
@@ -220,7 +227,7 @@ int ScanFolder(HWND owner) {
         JoinPath(g_walk.EntryPath, g_walk.FolderPath, record.cFileName);
         if (!g_walk.FilterReached) {
           // The required names are all seen.
-          SetStopFlag(1000);
+          SetStopFlag(kStopByWalk);
           g_walk.Outcome = AddOutcome(g_walk.Outcome, kWalkStop);
           g_walk.WalkStatus = kWalkStop;
           g_walk.EntriesDone = 1;
@@ -230,7 +237,7 @@ int ScanFolder(HWND owner) {
       if (acted) {
         if (g_walk.WalkStatus == kWalkAbort) return close();
         if (g_walk.WalkStatus == kWalkStop) {
-          SetStopFlag(1000);
+          SetStopFlag(kStopByWalk);
           return finish();
         }
       }
@@ -244,7 +251,8 @@ int ScanFolder(HWND owner) {
   while (g_walk.WalkStatus == 0 || g_walk.WalkStatus == kFindSkip) {
     if (g_walk.WalkStatus == 0 && !IsDotName(record.cFileName) && SelectFolderEntry(record.dwFileAttributes)) {
       if (g_walk.TypeFilterNow && (g_walk.WalkFlags & kWalkMove))
-        g_walk.WalkStatus = ActOnEntry(owner, (g_walk.WalkFlags & kWalkDelete) ? 9 : 10, record);
+        g_walk.WalkStatus =
+            ActOnEntry(owner, (g_walk.WalkFlags & kWalkDelete) ? kEntryDeleteFolder : kEntryActOnFolder, record);
       g_walk.TypeFilterNow = g_walk.TypeFilter;
       if (g_walk.WalkFlags & kWalkSubfolders) {
         g_walk.WalkStatus = EnterSubfolder(owner, handle, record);

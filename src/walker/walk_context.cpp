@@ -54,10 +54,10 @@ int AcquireWalkBuffers(HWND owner) {
   g_walk.EntryBuffer = AcquireBlock(&g_walk.entryHandle, nullptr, kPathSize, nullptr);
   g_walk.FolderPath = AcquireBlock(&g_walk.folderHandle, nullptr, kPathSize, nullptr);
   if (g_walk.SearchPattern != nullptr || g_walk.EntryBuffer != nullptr || g_walk.FolderPath != nullptr) return 1;
-  ReportBeep(16);
+  ReportBeep(MB_ICONHAND);
   // The message goes to the message-box stub, and the owner window would be closed: neither has anything to show on a
   // console.
-  ShowMessageById(owner, kMsgMemoryAccessFailed, kMsgGlobalMemoryTitle, 16);
+  ShowMessageById(owner, kMsgMemoryAccessFailed, kMsgGlobalMemoryTitle, MB_ICONHAND);
   return -1;
 }
 

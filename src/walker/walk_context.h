@@ -1,5 +1,5 @@
 // The folder tree walker: goes through a folder tree and does one thing to each entry. This edition uses it with the
-// mask "*.lnk", the shortcut action and sub-folders: the walk flags 0x48.
+// mask "*.lnk", the shortcut action and sub-folders: the walk flags kWalkShortcutTree.
 #pragma once
 
 #include "platform/winapi.h"
@@ -18,6 +18,8 @@ enum WalkFlag {
   kWalkPlainNames = 0x1000,
   kWalkSetAttributes = 0x2000,
 };
+// The walks of this edition: every shortcut below a folder, written back or (with kWalkDryRun) only looked at.
+const unsigned kWalkShortcutTree = kWalkShortcuts | kWalkSubfolders;
 
 // Walk codes: negative codes are single bits in negative form, merged by AddOutcome.
 enum WalkCode {

@@ -5,6 +5,21 @@
 #include "platform/winapi.h"
 #include "text/path_strings.h"
 
+// What the walk does to one entry: ActOnEntry's `action`. The delete mode deletes; every other mode acts on files
+// with kEntryActOnFile and on folders with kEntryActOnFolder.
+enum EntryAction {
+  kEntryDeleteFile = 5,
+  kEntryActOnFile = 6,
+  kEntryDeleteFolder = 9,  // also the finished folder itself, when folders are removed
+  kEntryActOnFolder = 10,
+};
+
+// Bits of the type filter: which kinds of entries the walk acts on (0: the mode decides).
+enum TypeFilterBit : unsigned { kTypeFiles = 0x100, kTypeFolders = 0x200 };
+
+// The stop flag's value when the walk stops itself (the required names are all seen, an action asked to stop).
+const int kStopByWalk = 1000;
+
 // A required name of the name list, with the full path once it was seen.
 struct NameListNode {
   NameListNode *next;
@@ -69,7 +84,8 @@ int ActOnEntry(HWND owner, int action, FindRecord record);
 // 1: act on the entry, 0: skip it, -1: the required names are all seen, stop the walk.
 int AcceptEntry(FindRecord record);
 
-// The delete-or-move operation of those modes on one entry (or, with code 9, the finished folder itself). Result: a
+// The delete-or-move operation of those modes on one entry (or, with kEntryDeleteFolder, the finished folder itself).
+// Result: a
 // mark character: '-' done, '?' the walk is to abort, 'E' not done.
 int RunEntryOperation(HWND owner, char *path, unsigned index, int action);
 int RemoveFolderEntry(char *path);

@@ -44,7 +44,7 @@ TEST(FileOperations, NetworkPlacesAreAnsweredWithoutASystemCall) {
   SetKeptLastError(4321);  // PathKind's rows cover GetPathAttributes
   EXPECT_EQ(PathAccessible(place.bytes), 0);
   EXPECT_EQ(OpenPath(place.bytes, GENERIC_READ, 0, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL), INVALID_HANDLE_VALUE);
-  EXPECT_EQ(SearchForFile(place.bytes, out, sizeof out), 0);
+  EXPECT_EQ(SearchForFile(place.bytes, out, sizeof out), kSearchFound);
   EXPECT_STREQ(out, "sentinel");
   EXPECT_EQ(GetKeptLastError(), 4321u);
   EXPECT_EQ(place.Text(), "\\:\\group\\server");
@@ -127,12 +127,13 @@ TEST(SearchForFile, Outcomes) {
     int result;
     std::string out;  // "sentinel": the buffer is left alone
   } rows[] = {
-      {"empty name", "", 1, "sentinel"},
-      {"a bare name in the current folder, found along the search path", "found.txt", 0, file},
-      {"no program, not found: handed back as it stands", scratch.Path("absent.txt"), 1, scratch.Path("absent.txt")},
-      {"a program the search misses", "kelmaro-no-such-program.exe", 1, "sentinel"},
+      {"empty name", "", kSearchNotFound, "sentinel"},
+      {"a bare name in the current folder, found along the search path", "found.txt", kSearchFound, file},
+      {"no program, not found: handed back as it stands", scratch.Path("absent.txt"), kSearchNotFound,
+       scratch.Path("absent.txt")},
+      {"a program the search misses", "kelmaro-no-such-program.exe", kSearchNotFound, "sentinel"},
       // Q: is mapped neither by a default Wine prefix nor by a default drive table.
-      {"the drive of a path is not there", "Q:\\a.txt", -3, "sentinel"},
+      {"the drive of a path is not there", "Q:\\a.txt", kSearchNoDrive, "sentinel"},
   };
   for (const Row &row : rows) {
     PathBuffer name(row.name);

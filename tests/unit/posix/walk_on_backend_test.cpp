@@ -14,7 +14,7 @@ namespace {
 std::string WalkWithFolders(const std::string &folder, unsigned *count) {
   PrepareWalk(nullptr, 3034, 3032, 0, 0, nullptr, nullptr, 0);
   TestConsoleBegin("");
-  ScanFolderTree(nullptr, nullptr, 0x48, count, folder.c_str(), "*.lnk", nullptr);
+  ScanFolderTree(nullptr, nullptr, kWalkShortcutTree, count, folder.c_str(), "*.lnk", nullptr);
   std::string output = TestConsoleOutput();
   TestConsoleEnd();
   PrepareWalk(nullptr, 0, 0, 0, 0, nullptr, nullptr, 0);

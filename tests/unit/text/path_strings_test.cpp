@@ -73,11 +73,11 @@ TEST(PathCuts, FolderPartAndCutLastComponent) {
   struct CutRow {
     const char *path, *after;
     int result;
-  } cuts[] = {{"abc", "abc", 0},
-              {"C:\\a\\", "C:\\a\\", -10},
-              {"C:\\a\\b", "C:\\a", -20},
-              {"C:\\a", "C:\\", -30},
-              {"\"C:\\a b\\c", "\"C:\\a b\"", -20}};
+  } cuts[] = {{"abc", "abc", kCutNothing},
+              {"C:\\a\\", "C:\\a\\", kCutEndsInBackslash},
+              {"C:\\a\\b", "C:\\a", kCutAtBackslash},
+              {"C:\\a", "C:\\", kCutBehindRoot},
+              {"\"C:\\a b\\c", "\"C:\\a b\"", kCutAtBackslash}};
   for (const CutRow &row : cuts) {
     char path[64];
     std::strcpy(path, row.path);

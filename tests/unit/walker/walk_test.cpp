@@ -20,7 +20,7 @@ WalkRun Walk(const std::string &folder, const char *mask = "*.lnk", bool prepare
   if (prepare) PrepareWalk(nullptr, 3034, 3032, 0, 0, nullptr, nullptr, 0);
   TestConsoleBegin("");
   unsigned count = 77;
-  int result = ScanFolderTree(nullptr, nullptr, 0x48, &count, folder.c_str(), mask, nullptr);
+  int result = ScanFolderTree(nullptr, nullptr, kWalkShortcutTree, &count, folder.c_str(), mask, nullptr);
   WalkRun run = {result, count, TestConsoleOutput()};
   TestConsoleEnd();
   return run;
