@@ -88,13 +88,3 @@ int ShowMessageById(HWND, unsigned, unsigned, unsigned) { return 0; }
 int SetControlTextStub(HWND, unsigned, const char *) { return 0; }
 
 HWND OwnerWindow(HWND window) { return window != nullptr ? window : GetDesktopWindow(); }
-
-const char *CheckedIdsText(void) { return checkedIds; }
-int ControlTextCount(void) { return controlTextCount; }
-const char *ControlTextRow(int row) { return controlTexts[row]; }
-
-void ResetControlStore(void) {
-  std::memset(checkedIds, 0, sizeof checkedIds);
-  std::memset(controlTexts, 0, sizeof controlTexts);
-  controlTextCount = 0;
-}

@@ -55,9 +55,3 @@ int SetControlTextStub(HWND window, unsigned id, const char *text);
 // The parent window for messages: `window`, else the main window (none here), else the desktop.
 // Its caller comes with the error reporter.
 HWND OwnerWindow(HWND window);
-
-// For tests: the raw state.
-const char *CheckedIdsText(void);
-int ControlTextCount(void);
-const char *ControlTextRow(int row);
-void ResetControlStore(void);

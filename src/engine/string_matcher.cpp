@@ -185,8 +185,6 @@ void SetMatchStrings(const char *oldString, const char *newString) {
 
 void SetMatchFlags(unsigned char flags) { MatchFlags = flags; }
 
-unsigned char GetMatchFlags(void) { return MatchFlags; }
-
 void SetIncludeArguments(int value) { IncludeArguments = value; }
 
 int GetIncludeArguments(void) { return IncludeArguments; }

@@ -22,9 +22,8 @@ enum MatchFlagBits {
 // Sets the old and the new string for the following calls. A null argument leaves that string as it is; the other
 // is copied (at most kFieldSize - 1 bytes of it).
 void SetMatchStrings(const char *oldString, const char *newString);
-// The match flags that ReplaceInField reads, and their reader.
+// The match flags that ReplaceInField reads.
 void SetMatchFlags(unsigned char flags);
-unsigned char GetMatchFlags(void);
 // Whether the shortcut processing takes the arguments field too (1) or not (0).
 void SetIncludeArguments(int value);
 int GetIncludeArguments(void);

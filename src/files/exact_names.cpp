@@ -158,8 +158,6 @@ int Rebuild(char *path, char *work, unsigned char flags, int *foundBySearch) {
 
 }  // namespace
 
-int ExactPathInProgress(void) { return exactInProgress; }
-
 char *ResolveExactPath(char *path, unsigned char flags, int mode) {
   if (exactInProgress) return path;
   if (path == nullptr || *path == 0) return nullptr;

@@ -29,9 +29,6 @@ char *MakeExactPath(char *path, unsigned char flags, int mode);
 // and single-byte is folded to "Readme.txt" case when names are folded, so that an old disk's names read tidily.
 void FillShortName(char *longName, char *shortName);
 
-// 1 while a walk runs. A walk started while one runs gives its path back unchanged.
-int ExactPathInProgress(void);
-
 // The first occurrence of `pattern` in `text` without regard to the case of single-byte letters, at a character
 // boundary; the offset is that of `text`, whose case stays. Null when there is none.
 // The copies it folds are made with StoreAndLockBlock, so exhausted memory ends the run here as everywhere else; that

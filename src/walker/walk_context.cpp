@@ -82,8 +82,6 @@ int TestOutcome(int value, int code) {
   return (against & bits) == bits ? 1 : 0;
 }
 
-unsigned WalkEntriesChanged(void) { return g_walk.EntriesChanged; }
-
 void PrepareWalk(HWND, unsigned showFolders, unsigned reportChanged, unsigned statusControl, unsigned countControl,
                  const char *nameListText, void *, unsigned typeFilter) {
   // A console has no device context to fit names to.

@@ -48,5 +48,3 @@ int AddOutcome(int oldCode, int code);
 // value 0: the walk's outcome; 1: whether the bits of |code| all stand in the outcome; else whether they all stand
 // in |value|.
 int TestOutcome(int value, int code);
-// The counters of the latest walk.
-unsigned WalkEntriesChanged(void);

@@ -3,11 +3,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 #include <utility>
 
 #include "console/control_store.h"
 #include "engine/string_matcher.h"
+#include "support/control_store_clear.h"
 
 namespace {
 
@@ -17,7 +19,7 @@ void CheckLetters(const std::string &letters) {
       {'i', kIdIncludeArguments},   {'m', kIdCaseMatters},   {'f', kIdMatchFront},    {'e', kIdMatchEnd},
       {'a', kIdMatchAll},           {'d', kIdFolderUnit},    {'c', kIdCharacterUnit}, {'x', kIdNoRestriction},
       {'y', kIdBetweenBackslashes}, {'z', kIdWithBackslash}, {'k', kIdConfirm}};
-  ResetControlStore();
+  ClearControlStore();
   for (char letter : letters)
     for (const auto &control : kControls)
       if (control.first == letter) SetControlChecked(control.second, 1);
@@ -36,7 +38,6 @@ TEST(MatchFlags, EveryAcceptedCombination) {
     CheckLetters(std::string("m") + row.letters);
     SetMatchFlags(0xFF);
     EXPECT_EQ(BuildMatchFlags(), row.withM);
-    EXPECT_EQ(GetMatchFlags(), row.withM);
   }
 }
 
@@ -49,6 +50,24 @@ TEST(MatchFlags, LettersThatLeaveNoTrace) {
     SCOPED_TRACE(row.letters);
     CheckLetters(row.letters);
     EXPECT_EQ(BuildMatchFlags(), row.flags);
+  }
+}
+
+// What the options build is what the matcher then works with: m makes the case matter for the next replacement.
+TEST(MatchFlags, TheFlagsReachTheMatcher) {
+  SetMatchStrings("c:\\old", "D:\\new");
+  for (const char *letters : {"fd", "mfd"}) {
+    CheckLetters(letters);
+    BuildMatchFlags();
+    HGLOBAL handle = nullptr;
+    char *field = AcquireFieldBuffer(&handle);
+    ASSERT_NE(field, nullptr);
+    std::snprintf(field, kFieldSize, "%s", "C:\\Old\\x.exe");
+    char *match = nullptr;
+    bool caseMatters = letters[0] == 'm';
+    EXPECT_EQ(ReplaceInField(field, &match), caseMatters ? 0 : 1) << letters;
+    EXPECT_STREQ(field, caseMatters ? "C:\\Old\\x.exe" : "D:\\new\\x.exe") << letters;
+    ReleaseFieldBuffer(handle, field);
   }
 }
 
