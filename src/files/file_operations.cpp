@@ -25,6 +25,11 @@ namespace {
 
 int changeCounter = 0;
 
+// The signatures that SHGetFileInfoA gives in the low word of its answer: "PE", "NE" and "MZ" as little-endian words.
+const unsigned kPortableSignature = 0x4550;
+const unsigned kNewSignature = 0x454E;
+const unsigned kDosSignature = 0x5A4D;
+
 // The folder whose virtual-store twin a failed delete tries. The special folders will set it; while it is empty, that
 // branch is not taken.
 char deleteFolderHint[kPathSize] = "";
@@ -242,6 +247,24 @@ int DeleteIfPresent(char *path) {
   return DeleteFilePath(path);
 }
 
+int MovePath(char *oldPath, char *newPath) {
+  oldPath = OrEmpty(oldPath);
+  newPath = OrEmpty(newPath);
+  RealPath from, to;
+  // Deliberately no restore of the first path when the second has no real form: no caller passes a place of the
+  // view as the target, and the first edit is left standing as it always was.
+  if (!MakeRealPath(oldPath, &from)) return 0;
+  if (!MakeRealPath(newPath, &to)) return 0;
+  SetKeptLastError(0);
+  BOOL done = MoveFileA(from.text, to.text);
+  DWORD error = CaptureLastError();
+  RestoreRealPath(to);
+  RestoreRealPath(from);
+  MoveChangeCounter(done ? 1 : 0);
+  SettleErrors(error);
+  return done ? 0 : 1;
+}
+
 int RemoveFolderPath(char *path) {
   path = OrEmpty(path);
   RealPath real;
@@ -324,4 +347,29 @@ int PathKind(char *path) {
   Requote(unquoted);
   SetKeptLastError(kept);
   return kind;
+}
+
+int ExecutableKind(const char *path) {
+  SHFILEINFOA info;
+  std::memset(&info, 0, sizeof info);
+  DWORD_PTR answer = SHGetFileInfoA(path, 0, &info, sizeof info, SHGFI_EXETYPE);
+  if (answer == 0) return -1;
+  unsigned low = static_cast<unsigned>(answer & 0xFFFF);
+  unsigned high = static_cast<unsigned>((answer >> 16) & 0xFFFF);
+  if (high != 0) return (low == kPortableSignature || low == kNewSignature) ? 0 : -1;
+  if (low == kPortableSignature) return 1;
+  if (low == kDosSignature) return 2;
+  return -1;
+}
+
+int IsWindowsProgram(char *path) {
+  if (path == nullptr || *path == 0 || PathKind(path) != kPathFile) return -3;
+  switch (ExecutableKind(path)) {
+    case -1:
+      return -1;
+    case 0:
+      return 1;
+    default:
+      return 0;
+  }
 }

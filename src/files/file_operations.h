@@ -51,6 +51,9 @@ int DeleteFilePath(char *path);
 // 1 for a null or empty path (both errors then 0) or a failed delete.
 // Its caller comes with the result text's report file.
 int DeleteIfPresent(char *path);
+// MoveFileA. Result: 0 on success, 1 on failure; 0 at once when either path is a place of the network view.
+// The walker's move mode would call it; it has no destination in this tool, so nothing calls it yet.
+int MovePath(char *oldPath, char *newPath);
 // RemoveDirectoryA, with the access question as DeleteFilePath. Result: 0 on success, 1 on failure.
 int RemoveFolderPath(char *path);
 // GetFileAttributesA into *attributes. A place of the network view is a folder (0x10) and costs no system call.
@@ -65,3 +68,10 @@ int PathAccessible(char *path);
 // What is at a path that may be in double quotes: kPathEmpty, kPathNothing, kPathFile or kPathFolder. A server or a
 // share counts as a real place here. Leaves the kept last error as it found it.
 int PathKind(char *path);
+// The kind of program at `path`, from the system's reading of its header (SHGetFileInfoA, SHGFI_EXETYPE): 0 a Windows
+// program (PE or NE that names a Windows version), 1 a console program, 2 a DOS program, -1 anything else or no file.
+// Nothing calls it yet.
+int ExecutableKind(const char *path);
+// 1 for a Windows program, 0 for a console or DOS program, -1 for a file that is no program, -3 for a null or empty
+// path or one that is not a file. Nothing calls it yet.
+int IsWindowsProgram(char *path);

@@ -7,6 +7,7 @@
 #include "files/file_operations.h"
 #include "files/folder_checks.h"
 #include "files/path_views.h"
+#include "machine/network_paths.h"
 #include "reports/error_reporter.h"
 #include "reports/last_error.h"
 #include "reports/memory_reports.h"
@@ -140,4 +141,14 @@ int CompleteDrivePath(char **path) {
   }
   ReleaseBlock(handle, copy);
   return result;
+}
+
+int ChangeToDriveLetter(int letter) {
+  SetKeptLastError(0);
+  char name[3] = {static_cast<char>(letter), ':', 0};
+  // The two-byte text of a backslash and a colon is a network head: there is no drive to change to.
+  if (IsNetworkPath(name)) return 1;
+  BOOL done = SetCurrentDirectoryA(name);
+  SettleErrors(CaptureLastError());
+  return done ? 1 : -1;
 }

@@ -29,3 +29,6 @@ int GetDriveFolderOf(char *buffer, DWORD size);
 // error number of the failure (13 when that number was 0).
 // Its caller comes with the folder checks.
 int CompleteDrivePath(char **path);
+// Makes drive `letter` current (SetCurrentDirectoryA on "X:"). Result: 1 on success and for the backslash (the
+// network, which has no drive to change to); -1 on failure. Nothing calls it yet.
+int ChangeToDriveLetter(int letter);

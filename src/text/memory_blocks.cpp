@@ -47,6 +47,14 @@ void ReleaseBlock(HGLOBAL handle, void *locked) {
   GlobalFree(handle);
 }
 
+void ReleaseBlockRecord(BlockRecord *record) {
+  if (record == nullptr || record->handle == nullptr) return;
+  ReleaseBlock(record->handle, record->locked);
+  record->handle = nullptr;
+  record->locked = nullptr;
+  record->size = 0;
+}
+
 void ReleaseSavedBlocks(void) {
   for (int i = 0; i < 8 && savedHandles[i] != nullptr; ++i) {
     ReleaseBlock(savedHandles[i], savedPointers[i]);

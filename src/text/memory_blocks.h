@@ -21,5 +21,8 @@ HGLOBAL ResizeOrAllocBlock(HGLOBAL handle, DWORD size);
 char *AcquireBlock(HGLOBAL *slot, void *locked, DWORD size, DWORD *granted);
 // Unlocks (when `locked` is given) and frees a block; nothing for handle 0.
 void ReleaseBlock(HGLOBAL handle, void *locked);
+// ReleaseBlock on a record that holds a handle, then clears the record; a record without a handle is left alone.
+// Nothing calls it yet.
+void ReleaseBlockRecord(BlockRecord *record);
 // Frees the blocks of the process-wide saved table, which no caller fills; the run driver empties it at the end.
 void ReleaseSavedBlocks(void);

@@ -180,6 +180,21 @@ char *FolderPart(char *path) {
   return path;
 }
 
+char *CutAtLastSeparator(char *path, int *saved) {
+  if (saved != nullptr) *saved = 0;
+  if (path == nullptr || *path == 0) return nullptr;
+  char *separator = LastSeparator(path);
+  if (separator == nullptr) return nullptr;
+  char *cut = IsRootSeparator(separator, path, 1) ? separator + 1 : separator;
+  if (saved != nullptr) *saved = static_cast<unsigned char>(*cut);
+  *cut = 0;
+  return cut;
+}
+
+void RestoreCutByte(char *position, int byte) {
+  if (position != nullptr && byte != 0) *position = static_cast<char>(byte);
+}
+
 int JoinPath(char *dest, char *dir, char *file) {
   const bool haveDir = dir != nullptr && *dir != 0;
   const bool haveFile = file != nullptr && *file != 0;
@@ -276,3 +291,6 @@ void FoldPathCase(char *path, const char *alternate, int mode) {
   }
   path[0] = static_cast<char>(ToUpperByte(static_cast<unsigned char>(path[0])));
 }
+
+const char *FitTextToControl(void *, void *, const char *text, unsigned) { return text; }
+const char *FitPathToControl(void *, void *, const char *text, unsigned) { return text; }

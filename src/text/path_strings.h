@@ -48,6 +48,10 @@ char *ExtensionDot(const char *text, int *quoteState);
 char *HasExtension(const char *path);
 // Cuts the path to its folder ("C:\a\b" to "C:\a", "C:\a" to "C:\", "C:a" to "C:"). Null when there is none.
 char *FolderPart(char *path);
+// Cuts at the last separator (behind it for a root separator); `saved` receives the byte overwritten. Result: the
+// position of the cut, or null. RestoreCutByte puts the byte back. Nothing calls it yet.
+char *CutAtLastSeparator(char *path, int *saved);
+void RestoreCutByte(char *position, int byte);
 // The one path combiner. Result: the length of the joined path; 0 when `file` is absolute (it then replaces `dest`
 // and `dir`), when the two together have 520 bytes or more (nothing joined), or when both are empty. `dest` may be
 // null (the join happens in `dir`), `dir` itself, or `file` itself (joined in place).
@@ -55,3 +59,7 @@ int JoinPath(char *dest, char *dir, char *file);
 // Folds "c:\PROGRAM files\abc" to "C:\Program files\Abc"; mode 1 never folds, mode 0 folds when names are folded,
 // any other mode always; a non-empty `alternate` (a second form of the name) keeps the case as stored.
 void FoldPathCase(char *path, const char *alternate, int mode);
+// Shortens a text to the width of a control. A console has no control and no width: the text comes back unchanged.
+// Nothing calls it yet.
+const char *FitTextToControl(void *window, void *deviceContext, const char *text, unsigned controlId);
+const char *FitPathToControl(void *window, void *deviceContext, const char *text, unsigned controlId);

@@ -61,6 +61,8 @@ int ShiftRightInPlace(char *s, int n) {
   return static_cast<int>(length) + n;
 }
 
+void ZeroBytes(void *address, unsigned count) { std::memset(address, 0, count); }
+
 namespace {
 
 void ReplaceSingleByte(char *s, char from, char to) {
@@ -133,6 +135,11 @@ int PathDepth(const char *path) {
   }
   return unc ? ~count : count;
 }
+
+int DriveLetterOf(int index) { return index + 65; }
+int DriveIndexOf(int letter) { return ToUpperByte(letter) - 65; }
+
+char *FindFormatMark(const char *s) { return s == nullptr ? nullptr : FindText(s, "%s"); }
 
 void CutAtMarker(char *s, const char *marker) {
   // The search is meant to start two bytes in front of the string; nothing in front of a message can complete the

@@ -21,6 +21,8 @@ char *FindBlank(const char *s);
 
 // Opens `n` bytes at the front; they keep what they held. Result: the old length plus n.
 int ShiftRightInPlace(char *s, int n);
+// Fills `count` bytes with 0. Nothing calls it yet.
+void ZeroBytes(void *address, unsigned count);
 // Every "/" (or "\") that is a character of its own becomes "\" (or "/"); null is ignored.
 void SlashToBackslash(char *s);
 void BackslashToSlash(char *s);
@@ -35,6 +37,11 @@ int IsLineEnd(int c);
 // The number of backslashes of a path (a doubled one counts once); for a UNC path its complement: "C:\a\b" gives 2,
 // "\\srv\share" gives -3. Null gives 0.
 int PathDepth(const char *path);
+// A drive letter from its index (0 is "A") and back, upper case, without range checks. Nothing calls it yet.
+int DriveLetterOf(int index);
+int DriveIndexOf(int letter);
+// The first "%s" at a character boundary, or null. Nothing calls it yet.
+char *FindFormatMark(const char *s);
 // Cuts a string of two or more bytes at the first occurrence of `marker`.
 // Its caller comes with the error reporter.
 void CutAtMarker(char *s, const char *marker);

@@ -53,6 +53,14 @@ int LoadStrings(UINT firstId, UINT secondId) { return LoadStringPair(nullptr, st
 char *FirstSlotText(void) { return firstSlot; }
 char *SecondSlotText(void) { return secondSlot; }
 
+int LoadStringPairTo(StringBlockPair *record, HMODULE module, UINT firstId, UINT secondId, char **firstOut,
+                     char **secondOut) {
+  int status = LoadStringPair(record, module, firstId, secondId);
+  if (firstOut != nullptr) *firstOut = record ? record->first.locked : firstSlot;
+  if (secondOut != nullptr) *secondOut = record ? record->second.locked : secondSlot;
+  return status;
+}
+
 void ReleaseStringBlockPair(StringBlockPair *record) {
   if (record == nullptr) return;
   for (BlockRecord *block : {&record->first, &record->second}) {

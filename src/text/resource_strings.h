@@ -31,6 +31,10 @@ int LoadStrings(UINT firstId, UINT secondId);
 // The slots. Their addresses never change; their contents are valid up to the next load of any kind.
 char *FirstSlotText(void);
 char *SecondSlotText(void);
+// LoadStringPair, then the addresses of the two texts into `firstOut` and `secondOut` (either may be null): the block
+// copies' when `record` is given (0 where a copy could not be had), otherwise the slots'. Nothing calls it yet.
+int LoadStringPairTo(StringBlockPair *record, HMODULE module, UINT firstId, UINT secondId, char **firstOut,
+                     char **secondOut);
 // Unlocks (where a pointer is kept) and frees each block of the pair, and zeroes its handle. Null does nothing.
 // Its caller comes with the error reporter.
 void ReleaseStringBlockPair(StringBlockPair *record);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "reports/last_error.h"
+#include "support/executable_images.h"
 #include "support/scratch_folder.h"
 
 namespace {
@@ -141,6 +142,33 @@ TEST(SearchForFile, Outcomes) {
     EXPECT_EQ(SearchForFile(name.bytes, out, sizeof out), row.result) << row.what;
     EXPECT_EQ(lstrcmpiA(out, row.out.c_str()), 0) << row.what << ": " << out;
   }
+}
+
+// What kind of program a file is, from the system's reading of its header; only a file can be one.
+TEST(IsWindowsProgram, ByKind) {
+  ScratchFolder scratch;
+  scratch.MakeFolder("folder.exe");
+  struct Row {
+    const char *name;
+    std::string bytes;  // empty: nothing is made
+    int result;
+  } rows[] = {
+      {"gui.exe", PortableImage(2, 10, 0), 1},
+      {"windows 3.1.exe", NewImage(2), 1},
+      {"console.exe", PortableImage(3), 0},
+      // Wine reads a DOS program's signature byte-swapped, so to Wine it is no program.
+      {"dos.exe", DosImage(), WindowsOrWine(0, -1)},
+      {"text.exe", "no program here", -1},
+      {"folder.exe", "", -3},
+      {"absent.exe", "", -3},
+  };
+  for (const Row &row : rows) {
+    if (!row.bytes.empty()) scratch.MakeFile(row.name, row.bytes);
+    PathBuffer path(scratch / row.name);
+    EXPECT_EQ(IsWindowsProgram(path.bytes), row.result) << row.name;
+  }
+  PathBuffer empty("");
+  EXPECT_EQ(IsWindowsProgram(empty.bytes), -3);
 }
 
 }  // namespace

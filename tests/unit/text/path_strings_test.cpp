@@ -86,6 +86,24 @@ TEST(PathCuts, FolderPartAndCutLastComponent) {
   }
 }
 
+// A cut at the last separator keeps a root's separator and gives back the byte it overwrote, which puts the path back.
+TEST(PathCuts, CutAtLastSeparatorAndRestore) {
+  struct Row {
+    const char *path, *after;
+    char saved;
+  } rows[] = {{"C:\\a\\b", "C:\\a", '\\'}, {"C:\\a", "C:\\", 'a'}, {"C:\\", "C:\\", 0}, {"abc", "abc", 0}};
+  for (const Row &row : rows) {
+    char path[64];
+    std::strcpy(path, row.path);
+    int saved = -1;
+    char *cut = CutAtLastSeparator(path, &saved);
+    EXPECT_STREQ(path, row.after) << row.path;
+    EXPECT_EQ(saved, static_cast<unsigned char>(row.saved)) << row.path;
+    RestoreCutByte(cut, saved);
+    EXPECT_STREQ(path, row.path) << row.path;
+  }
+}
+
 TEST(PathTests, RootsAndSeparators) {
   EXPECT_EQ(IsDriveRoot("C:\\"), 1);
   EXPECT_EQ(IsDriveRoot("C:\\a"), 0);
