@@ -21,7 +21,7 @@ struct OptionRow {
 };
 
 // The order of rows is the order of printing and of the saved-option display. The ids of y and z are out of order on
-// purpose: they are the ids the windowed edition saves.
+// purpose: they are the ids that the dialog tool saves in the shared settings.
 const OptionRow kOptionTable[] = {
     {'i', "ｼｮｰﾄｶｯﾄﾌｧｲﾙ内のｵﾌﾟｼｮﾝ文字列も含める(include)", kIdIncludeArguments},
     {'m', "大小文字(moji)区別", kIdCaseMatters},
@@ -182,122 +182,140 @@ int ShowUsage(char *programPath, const char *savedOptionText, const char *savedF
   return ConsolePrompt(nullptr, nullptr, nullptr, MB_YESNO) == IDYES ? 1 : 0;
 }
 
-int KelmaroMain(int argc, char **argv) {
-  moduleHandle = GetModuleHandleA(nullptr);
-  // A copy of the argument vector: slot 0 the program, slots 1 to 4 the arguments. Further arguments are not kept;
-  // argc still counts them, so that they lead to the prompt.
-  char *slots[kArgSlots] = {emptyText, emptyText, emptyText, emptyText, emptyText};
-  for (int i = 0; i < argc && i < kArgSlots; ++i) slots[i] = argv[i];
+namespace {
 
-  // "-" and the letters of the saved options, rebuilt from the saved control ids.
-  char savedOptionText[sizeof kOptionTable / sizeof kOptionTable[0] + 2] = "";
-  bool decided = false;
-  if (GetSavedOptions(optionLine, kOptionLineSize)) {
-    SetCheckedIds(optionLine);
-    size_t used = 0;
-    savedOptionText[used++] = '-';
-    for (int row = 0; kOptionTable[row].letter != 0; ++row)
-      if (IsControlChecked(nullptr, kOptionTable[row].id)) savedOptionText[used++] = kOptionTable[row].letter;
-    savedOptionText[used] = 0;
-    GetSavedFolder(savedFolder, kPathTextSize);
+// "-" and the letters of the saved options.
+enum { kSavedOptionTextSize = sizeof kOptionTable / sizeof kOptionTable[0] + 2 };
 
-    char *a = slots[1];
-    char *b = slots[2];
-    char *c = slots[3];
-    switch (argc) {
-      case 1:
-        ShowUsage(slots[0], savedOptionText, savedFolder);
-        return 0;
-      case 2:
+// What the saved settings make of the argument forms.
+enum SavedStart {
+  kSavedDecideNothing,  // no saved options, or a form they do not complete: the direct-or-prompt step decides
+  kSavedDecided,        // the slots hold the items, saved ones filled in
+  kSavedEndTheRun,      // a usage or a need text has been shown
+};
+
+// Reads the saved options into the store and their letters into `savedOptionText`, reads the saved folder, and fills
+// the slots from them and the arguments as the count of arguments says.
+SavedStart ApplySavedSettings(int argc, char **slots, char *savedOptionText) {
+  if (!GetSavedOptions(optionLine, kOptionLineSize)) return kSavedDecideNothing;
+  SetCheckedIds(optionLine);
+  size_t used = 0;
+  savedOptionText[used++] = '-';
+  for (int row = 0; kOptionTable[row].letter != 0; ++row)
+    if (IsControlChecked(nullptr, kOptionTable[row].id)) savedOptionText[used++] = kOptionTable[row].letter;
+  savedOptionText[used] = 0;
+  GetSavedFolder(savedFolder, kPathTextSize);
+
+  char *a = slots[1];
+  char *b = slots[2];
+  char *c = slots[3];
+  switch (argc) {
+    case 1:
+      ShowUsage(slots[0], savedOptionText, savedFolder);
+      return kSavedEndTheRun;
+    case 2:
+      PrintSavedState(savedOptionText);
+      PrintNeedText(savedFolder[0] == 0);
+      WaitForAnyKey();
+      return kSavedEndTheRun;
+    case 3:
+      if (a[0] == '-') {
         PrintSavedState(savedOptionText);
-        PrintNeedText(savedFolder[0] == 0);
+        PrintNeedText(false);
         WaitForAnyKey();
-        return 0;
-      case 3:
-        if (a[0] == '-') {
-          PrintSavedState(savedOptionText);
-          PrintNeedText(false);
-          WaitForAnyKey();
-          return 0;
-        }
-        if (savedFolder[0] == 0) {
-          PrintNoFolderState(savedOptionText);
-          WaitForAnyKey();
-          return 0;
-        }
+        return kSavedEndTheRun;
+      }
+      if (savedFolder[0] == 0) {
+        PrintNoFolderState(savedOptionText);
+        WaitForAnyKey();
+        return kSavedEndTheRun;
+      }
+      slots[1] = savedOptionText;
+      slots[2] = savedFolder;
+      slots[3] = a;
+      slots[4] = b;
+      return kSavedDecided;
+    case 4:
+      if (a[0] != '-') {
         slots[1] = savedOptionText;
-        slots[2] = savedFolder;
-        slots[3] = a;
-        slots[4] = b;
-        decided = true;
-        break;
-      case 4:
-        if (a[0] == '-') {
-          if (savedFolder[0] == 0) {
-            PrintNoFolderState(savedOptionText);
-            WaitForAnyKey();
-            return 0;
-          }
-          slots[1] = a;
-          slots[2] = savedFolder;
-          slots[3] = b;
-          slots[4] = c;
-        } else {
-          slots[1] = savedOptionText;
-          slots[2] = a;
-          slots[3] = b;
-          slots[4] = c;
-        }
-        decided = true;
-        break;
-      default:
-        break;
-    }
+        slots[2] = a;
+        slots[3] = b;
+        slots[4] = c;
+        return kSavedDecided;
+      }
+      if (savedFolder[0] == 0) {
+        PrintNoFolderState(savedOptionText);
+        WaitForAnyKey();
+        return kSavedEndTheRun;
+      }
+      slots[1] = a;
+      slots[2] = savedFolder;
+      slots[3] = b;
+      slots[4] = c;
+      return kSavedDecided;
+    default:
+      return kSavedDecideNothing;
   }
+}
 
-  if (!decided) {
-    savedOptionText[0] = 0;
-    int n = argc;
-    for (;;) {
-      // A full command line needs no saved settings; argc 5 always runs this way.
-      if (n == 4 || n == 5) break;
-      if (!ShowUsage(slots[0], nullptr, nullptr)) return 0;
-      ConsolePrintf("\n>[-ｵﾌﾟｼｮﾝ] ");
-      for (const char *label : kTargetLabels) ConsolePrintf("%s ", label);
-      ConsolePrintf("\n>");
-      ConsoleFlush();
-      ReadTypedLine();
-      n = 1;
-      if (optionLine[0] == 0) continue;
-      n = SplitTypedLine(optionLine, slots);
-    }
+// Takes a full command line as it stands, or asks for the items until a typed line holds three or four of them.
+// Result: false when the user declines to go on.
+bool TakeDirectOrTypedArguments(int argc, char **slots) {
+  int n = argc;
+  for (;;) {
+    // A full command line needs no saved settings; argc 5 always runs this way.
+    if (n == 4 || n == 5) return true;
+    if (!ShowUsage(slots[0], nullptr, nullptr)) return false;
+    ConsolePrintf("\n>[-ｵﾌﾟｼｮﾝ] ");
+    for (const char *label : kTargetLabels) ConsolePrintf("%s ", label);
+    ConsolePrintf("\n>");
+    ConsoleFlush();
+    ReadTypedLine();
+    n = 1;
+    if (optionLine[0] == 0) continue;
+    n = SplitTypedLine(optionLine, slots);
   }
+}
 
-  // The four items. The "-" is looked for anywhere in the first item, not only at its start: a folder with a hyphen in
-  // its name, given without options, is taken for the options.
-  char *options;
+// Decides the options and the three target texts from the slots. Result: the options.
+char *DecideItems(char **slots) {
+  // The "-" is looked for anywhere in the first item, not only at its start: a folder with a hyphen in its name,
+  // given without options, is taken for the options.
   if (FindCharacter(slots[1], '-') != nullptr) {
-    options = slots[1];
     targetTexts[0] = slots[2];
     targetTexts[1] = slots[3];
     targetTexts[2] = slots[4];
-  } else {
-    options = defaultOptions;
-    targetTexts[0] = slots[1];
-    targetTexts[1] = slots[2];
-    targetTexts[2] = slots[3];
+    return slots[1];
   }
+  targetTexts[0] = slots[1];
+  targetTexts[1] = slots[2];
+  targetTexts[2] = slots[3];
+  return defaultOptions;
+}
 
-  // Each item is copied into a 520-byte text on its way to the store; one that does not fit is refused whole rather
-  // than cut, before anything is stored.
+// Each item is copied into a 520-byte text on its way to the store; one that does not fit is refused whole rather
+// than cut, before anything is stored. Result: false after the refusal.
+bool TargetTextsFit() {
   for (int i = 0; i < 3; ++i) {
     if (std::strlen(targetTexts[i]) >= kPathTextSize) {
       ConsolePrintf("\n\n====> %sが長すぎます：%dﾊﾞｲﾄ以内で指定してください", kTargetLabels[i], kPathTextSize - 1);
       WaitForAnyKey();
-      return 0;
+      return false;
     }
   }
+  return true;
+}
 
+// What the option letters ask of the run beyond the store.
+struct RunChoice {
+  unsigned showFoldersId = 0;
+  unsigned reportChangedId = 0;
+  int confirm = 0;
+};
+
+// Checks the letters behind the first byte of `options` and turns them into checked ids and the run choice. Result:
+// the letters, or null after a refusal.
+char *ApplyOptions(char *options, RunChoice *choice) {
   char *letters = options + 1;
   TrimLeadingSpace(letters);
   if (!OptionsAreCompatible(letters)) {
@@ -306,37 +324,39 @@ int KelmaroMain(int argc, char **argv) {
         "z)\n 指定ｵﾌﾟｼｮﾝ  :%s\n",
         kClassFront, kClassUnit, kClassAll, letters);
     WaitForAnyKey();
-    return 0;
+    return nullptr;
   }
 
   // State 0 makes 3016 the only checked id: whatever the saved options held is gone from here on.
   SetControlChecked(kIdSearchInFolder, 0);
-  unsigned showFoldersId = 0;
-  unsigned reportChangedId = 0;
-  int confirm = 0;
   bool anyOption = false;
   for (const char *p = letters; *p != 0; ++p) {
     int row = FindOptionRow(static_cast<unsigned char>(*p));
     if (row < 0) continue;
     anyOption = true;
     if (*p == 'p') {
-      showFoldersId = kIdFolderDisplay;
+      choice->showFoldersId = kIdFolderDisplay;
     } else if (*p == 'r') {
-      reportChangedId = kIdResultLine;
+      choice->reportChangedId = kIdResultLine;
     } else {
       SetControlChecked(kOptionTable[row].id, 1);
-      if (*p == 'k') confirm = 1;
+      if (*p == 'k') choice->confirm = 1;
     }
   }
-  // The compatibility test lets no such letters through; the check stays for the day it is loosened.
+  // A line of letters none of which is an option is refused here; today the compatibility test refuses it first.
   if (!anyOption) {
     ConsolePrintf("\n オプション以外の文字が入っています。\nオプション:");
     for (int row = 0; kOptionTable[row].letter != 0; ++row) ConsolePrintf("%c", kOptionTable[row].letter);
     ConsolePrintf(" 指定: %s\n", letters);
     WaitForAnyKey();
-    return 0;
+    return nullptr;
   }
+  return letters;
+}
 
+// Checks the folder, puts the three texts into the store and, under k, shows them with the options and asks.
+// Result: false after a refusal or a no.
+bool StoreAndConfirmTargets(const char *letters, int confirm) {
   if (confirm) ConsolePrintf("次の条件で置換します：\n");
   char scratch[kPathTextSize];
   for (int i = 0; i < 3; ++i) {
@@ -344,23 +364,52 @@ int KelmaroMain(int argc, char **argv) {
     if (i == 0 && !FolderExists(targetTexts[0])) {
       ConsolePrintf("\n\n====> %sが見つかりません：", targetTexts[0]);
       WaitForAnyKey();
-      return 0;
+      return false;
     }
     std::snprintf(scratch, sizeof scratch, "%s", targetTexts[i]);
     StripOuterQuotes(scratch);
     SetControlText(scratch, kTargetControlIds[i]);
     if (confirm) ConsolePrintf("    %s %s\n", kTargetLabels[i], scratch);
   }
-  if (confirm) {
-    for (const char *p = letters; *p != 0; ++p) {
-      int row = FindOptionRow(static_cast<unsigned char>(*p));
-      if (row >= 0) ConsolePrintf("    %c:%s\n", kOptionTable[row].letter, kOptionTable[row].description);
-    }
-    if (ConsolePrompt(nullptr, nullptr, nullptr, MB_YESNO) == IDNO) {
-      ConsolePrintf("\n\n====> 中止しました : ");
-      WaitForAnyKey();
-      return 0;
-    }
+  if (!confirm) return true;
+  for (const char *p = letters; *p != 0; ++p) {
+    int row = FindOptionRow(static_cast<unsigned char>(*p));
+    if (row >= 0) ConsolePrintf("    %c:%s\n", kOptionTable[row].letter, kOptionTable[row].description);
   }
-  return RunPass(showFoldersId, reportChangedId, confirm);
+  if (ConsolePrompt(nullptr, nullptr, nullptr, MB_YESNO) == IDNO) {
+    ConsolePrintf("\n\n====> 中止しました : ");
+    WaitForAnyKey();
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+int KelmaroMain(int argc, char **argv) {
+  moduleHandle = GetModuleHandleA(nullptr);
+  // A copy of the argument vector: slot 0 the program, slots 1 to 4 the arguments. Further arguments are not kept;
+  // argc still counts them, so that they lead to the prompt.
+  char *slots[kArgSlots] = {emptyText, emptyText, emptyText, emptyText, emptyText};
+  for (int i = 0; i < argc && i < kArgSlots; ++i) slots[i] = argv[i];
+
+  char savedOptionText[kSavedOptionTextSize] = "";
+  switch (ApplySavedSettings(argc, slots, savedOptionText)) {
+    case kSavedEndTheRun:
+      return 0;
+    case kSavedDecideNothing:
+      savedOptionText[0] = 0;
+      if (!TakeDirectOrTypedArguments(argc, slots)) return 0;
+      break;
+    case kSavedDecided:
+      break;
+  }
+
+  char *options = DecideItems(slots);
+  if (!TargetTextsFit()) return 0;
+  RunChoice choice;
+  char *letters = ApplyOptions(options, &choice);
+  if (letters == nullptr) return 0;
+  if (!StoreAndConfirmTargets(letters, choice.confirm)) return 0;
+  return RunPass(choice.showFoldersId, choice.reportChangedId, choice.confirm);
 }
