@@ -1,5 +1,5 @@
-// The shortcut reader. A .lnk file is read through a shell link object; a .pif file (which the mask of this edition
-// never brings here) is read as a bag of strings, from which what looks like a program path is picked.
+// The shortcut reader. A .lnk file is read through a shell link object; a .pif file (which the walk's "*.lnk" mask
+// does not bring here) is read as a bag of strings, from which what looks like a program path is picked.
 #include "engine/shortcut_reader.h"
 
 #include <cstdio>
@@ -25,7 +25,7 @@ namespace {
 unsigned readMode = 0;
 int skipResolve = 0;
 int quietReader = 0;
-// Slot 0 the working folder, slot 1 the shortcut being processed; a third slot is never filled in this edition.
+// Slot 0 the working folder, slot 1 the shortcut being processed; slot 2 is released with them and nothing fills it.
 HGLOBAL keptHandles[3];
 char *keptTexts[3];
 int keepRawWorkingFolder = 0;
@@ -165,6 +165,188 @@ unsigned ReadPif(char *result, char *workingFolder, char *arguments, unsigned st
   return status;
 }
 
+// One read's blocks, outputs and running state, shared by its steps.
+struct ShortcutRead {
+  HWND window;
+  char *path;  // the shortcut's own path as the caller gave it
+  char *arguments;
+  char *icon;
+  char *description;
+  int *showCmdOut;
+  int *iconIndexOut;
+  unsigned mode;
+  unsigned localMode;  // the mode, with kReadModeIconFound added once the icon's file is found
+  unsigned status;
+  bool repair;   // false where the read ends without the repair of the target text
+  char *result;  // the shortcut's own path in its real form, then what the read delivers as the path
+  char *work;    // the text each shell call fills
+  char *workingFolder;
+  char *rawTarget;  // a missing target's text as stored
+};
+
+// The icon location; a found icon file also gives the icon index.
+void ReadIcon(IShellLinkA *link, ShortcutRead &read) {
+  char *work = read.work;
+  int ignoredIndex = 0;
+  work[0] = 0;
+  if (SUCCEEDED(link->GetIconLocation(work, kPathSize, &ignoredIndex))) {
+    if (read.icon != nullptr && work[0] != 0) CopyText(read.icon, work);
+  } else {
+    work[0] = 0;
+  }
+  if (work[0] == 0) return;
+  int code = LocateTarget(work);
+  if (code != kTargetFound && code != kTargetFoundRespelled) {
+    if (code == kTargetNotTested) work[0] = 0;
+    read.status = kReadIconMissing;
+    return;
+  }
+  // The index passed on is the shell's reading of the shortcut file; the stored one is dropped.
+  SHFILEINFOA info;
+  std::memset(&info, 0, sizeof info);
+  if (read.iconIndexOut != nullptr && SHGetFileInfoA(read.path, 0, &info, sizeof info, SHGFI_ICONLOCATION))
+    *read.iconIndexOut = info.iIcon;
+  if (read.mode & kReadModeIconAsResult) {
+    read.localMode = kReadModeIconFound;
+    CopyText(read.result, work);
+  } else {
+    read.localMode |= kReadModeIconFound;
+  }
+}
+
+// The target path: its status bits and, found or not, the delivered path and the icon it stands in for. Result:
+// false where the read ends here (no target path, or the icon's file taken as the result).
+bool ReadTarget(IShellLinkA *link, ShortcutRead &read) {
+  char *work = read.work;
+  WIN32_FIND_DATAA found;
+  std::memset(&found, 0, sizeof found);
+  work[0] = 0;
+  if (FAILED(link->GetPath(work, kPathSize, &found, SLGP_UNCPRIORITY))) work[0] = 0;
+  if (work[0] == 0) {
+    // No target path (a special folder): the path comes back as the shortcut's own.
+    read.status |= kReadNoTarget;
+    read.result[0] = 0;
+    return false;
+  }
+  int code = LocateTarget(work);
+  if (code == kTargetNotFound || code == kTargetNoDrive || code == kTargetNotTested) {
+    read.status |= kReadTargetMissing;
+    if (code == kTargetNoDrive) {
+      CopyText(read.rawTarget, work);
+      read.status |= kReadMissingDrive;
+    }
+    if (work[0] != 0) read.status |= ClassifyMissingTarget(read.rawTarget, work);
+  } else {
+    targetAttributes = found.dwFileAttributes;
+    if (targetAttributes & FILE_ATTRIBUTE_DIRECTORY)
+      read.status |= kReadTargetFolder;
+    else if (targetAttributes != 0)
+      read.status |= kReadTargetFile;
+    else
+      read.status |= kReadZeroAttributes;
+  }
+  // A local mode of exactly kReadModeIconFound: the icon's file was taken as the result.
+  bool iconIsResult = read.localMode == kReadModeIconFound;
+  if (!iconIsResult && work[0] != 0) CopyText(read.result, work);
+  // A shortcut without an icon location gets its target as its icon, and is written back so.
+  if (read.icon != nullptr && read.icon[0] == 0 && work[0] != 0) {
+    CopyText(read.icon, work);
+    if (read.status & kReadTargetMissing) read.status |= kReadIconMissing;
+  }
+  if (iconIsResult) read.repair = false;
+  return !iconIsResult;
+}
+
+// The working folder, checked and kept in slot 0.
+void ReadWorkingFolder(IShellLinkA *link, ShortcutRead &read) {
+  char *workingFolder = read.workingFolder;
+  if (FAILED(link->GetWorkingDirectory(workingFolder, kPathSize))) {
+    workingFolder[0] = 0;
+    if (read.mode & kReadModeIconAsResult) keepRawWorkingFolder = 1;
+  }
+  if (workingFolder[0] != 0) {
+    int folderCode = LocateTarget(workingFolder);
+    if (folderCode == kTargetNoDrive || folderCode == kTargetNotFound) {
+      read.status |= kReadFolderMissing;
+      keepRawWorkingFolder = 1;
+    } else if (folderCode == kTargetNotTested || (read.mode & kReadModeIconAsResult)) {
+      keepRawWorkingFolder = 1;
+    }
+  }
+  // An empty working folder leaves slot 0 with what the processing put there before the read.
+  SetKeptText(workingFolder, 0);
+}
+
+// The arguments, the working folder, the description and the show command.
+void ReadRemainingFields(IShellLinkA *link, ShortcutRead &read) {
+  if (read.arguments != nullptr && FAILED(link->GetArguments(read.arguments, kPathSize))) read.arguments[0] = 0;
+  ReadWorkingFolder(link, read);
+  char *work = read.work;
+  work[0] = 0;
+  if (FAILED(link->GetDescription(work, kPathSize))) work[0] = 0;
+  if (read.description != nullptr && work[0] != 0) CopyText(read.description, work);
+  int show = 1;
+  HRESULT shown = link->GetShowCmd(&show);
+  if (read.showCmdOut != nullptr) *read.showCmdOut = SUCCEEDED(shown) ? show : 1;
+}
+
+// Loads the shortcut file into `link` and resolves it unless resolving is switched off. Result: the failure status,
+// or 0 when the fields can be read.
+unsigned LoadLink(IShellLinkA *link, IPersistFile *persist, const ShortcutRead &read) {
+  char loadPath[kPathSize];
+  CopyText(loadPath, read.result);
+  StripOuterQuotes(loadPath);
+  WCHAR wide[kShellPathSize];
+  if (MultiByteToWideChar(CP_ACP, 0, loadPath, -1, wide, kShellPathSize) == 0 || FAILED(persist->Load(wide, 0)))
+    return kReadLoadFailed;
+  if (!skipResolve && FAILED(link->Resolve(read.window, SLR_NO_UI | SLR_UPDATE))) return kReadResolveFailed;
+  return 0;
+}
+
+// A .lnk file through a shell link object: load, then the icon, the target and the remaining fields.
+void ReadLinkFile(ShortcutRead &read) {
+  IShellLinkA *link = nullptr;
+  IPersistFile *persist = nullptr;
+  if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
+                              reinterpret_cast<void **>(&link)))) {
+    read.status = kReadNoObject;
+    link = nullptr;
+  } else {
+    keepRawWorkingFolder = 0;
+    if (FAILED(link->QueryInterface(IID_IPersistFile, reinterpret_cast<void **>(&persist)))) {
+      read.status = kReadNoPersist;
+      persist = nullptr;
+    }
+  }
+  if (persist != nullptr) {
+    unsigned failure = LoadLink(link, persist, read);
+    if (failure != 0) {
+      read.status = failure;
+    } else {
+      ReadIcon(link, read);
+      if (ReadTarget(link, read)) ReadRemainingFields(link, read);
+    }
+  }
+  if (persist != nullptr) persist->Release();
+  if (link != nullptr) link->Release();
+}
+
+// Which kind of file the path names, by its extension: a .lnk or .pif file is read, anything else is no shortcut.
+void ReadByExtension(ShortcutRead &read) {
+  char *extension = HasExtension(read.result);
+  char extensionText[kPathSize] = "";
+  if (extension != nullptr) CutTrailingQuote(extensionText, extension);
+  if (extension == nullptr || (lstrcmpiA(extensionText, "lnk") != 0 && lstrcmpiA(extensionText, "pif") != 0)) {
+    read.status = kReadNoShortcut;
+    read.repair = false;
+  } else if (lstrcmpiA(extensionText, "pif") == 0) {
+    read.status = ReadPif(read.result, read.workingFolder, read.arguments, read.status);
+    if (read.status & kReadEmptyPif) read.repair = false;
+  } else {
+    ReadLinkFile(read);
+  }
+}
+
 }  // namespace
 
 void SetSkipResolve(int value) { skipResolve = value; }
@@ -244,145 +426,20 @@ unsigned ReadShortcut(HWND window, char *path, char *arguments, char *icon, char
     if (icon != nullptr) icon[0] = 0;
     if (iconIndexOut != nullptr) *iconIndexOut = 0;
     CopyText(resultBlock, path);
+    ShortcutRead read{window, path, arguments, icon,    description, showCmdOut,    iconIndexOut, mode,
+                      mode,   0,    true,      nullptr, work,        workingFolder, rawTarget};
     // The shortcut's own path in its real form, for the calls below.
-    char *result = IsNetworkPath(resultBlock) ? ToRealNetworkPath(resultBlock, nullptr) : resultBlock;
+    read.result = IsNetworkPath(resultBlock) ? ToRealNetworkPath(resultBlock, nullptr) : resultBlock;
     if (showCmdOut != nullptr) *showCmdOut = 1;
     workingFolder[0] = 0;
     rawTarget[0] = 0;
     readMode = mode;
-    unsigned localMode = mode;
 
-    bool repair = true;
-    char *extension = HasExtension(result);
-    char extensionText[kPathSize] = "";
-    if (extension != nullptr) CutTrailingQuote(extensionText, extension);
-    if (extension == nullptr || (lstrcmpiA(extensionText, "lnk") != 0 && lstrcmpiA(extensionText, "pif") != 0)) {
-      status = kReadNoShortcut;
-      repair = false;
-    } else if (lstrcmpiA(extensionText, "pif") == 0) {
-      status = ReadPif(result, workingFolder, arguments, status);
-      if (status & kReadEmptyPif) repair = false;
-    } else {
-      IShellLinkA *link = nullptr;
-      IPersistFile *persist = nullptr;
-      if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
-                                  reinterpret_cast<void **>(&link)))) {
-        status = kReadNoObject;
-        link = nullptr;
-      } else {
-        keepRawWorkingFolder = 0;
-        if (FAILED(link->QueryInterface(IID_IPersistFile, reinterpret_cast<void **>(&persist)))) {
-          status = kReadNoPersist;
-          persist = nullptr;
-        }
-      }
-      if (persist != nullptr) {
-        char loadPath[kPathSize];
-        CopyText(loadPath, result);
-        StripOuterQuotes(loadPath);
-        WCHAR wide[kShellPathSize];
-        if (MultiByteToWideChar(CP_ACP, 0, loadPath, -1, wide, kShellPathSize) == 0 || FAILED(persist->Load(wide, 0))) {
-          status = kReadLoadFailed;
-        } else if (!skipResolve && FAILED(link->Resolve(window, SLR_NO_UI | SLR_UPDATE))) {
-          status = kReadResolveFailed;
-        } else {
-          // The icon.
-          int ignoredIndex = 0;
-          work[0] = 0;
-          if (SUCCEEDED(link->GetIconLocation(work, kPathSize, &ignoredIndex))) {
-            if (icon != nullptr && work[0] != 0) CopyText(icon, work);
-          } else {
-            work[0] = 0;
-          }
-          if (work[0] != 0) {
-            int code = LocateTarget(work);
-            if (code == kTargetFound || code == kTargetFoundRespelled) {
-              // The index passed on is the shell's reading of the shortcut file; the stored one is dropped.
-              SHFILEINFOA info;
-              std::memset(&info, 0, sizeof info);
-              if (iconIndexOut != nullptr && SHGetFileInfoA(path, 0, &info, sizeof info, SHGFI_ICONLOCATION))
-                *iconIndexOut = info.iIcon;
-              if (mode & kReadModeIconAsResult) {
-                localMode = kReadModeIconFound;
-                CopyText(result, work);
-              } else {
-                localMode |= kReadModeIconFound;
-              }
-            } else {
-              if (code == kTargetNotTested) work[0] = 0;
-              status = kReadIconMissing;
-            }
-          }
-          // The target.
-          WIN32_FIND_DATAA found;
-          std::memset(&found, 0, sizeof found);
-          work[0] = 0;
-          if (FAILED(link->GetPath(work, kPathSize, &found, SLGP_UNCPRIORITY))) work[0] = 0;
-          if (work[0] == 0) {
-            // No target path (a special folder): the path comes back as the shortcut's own.
-            status |= kReadNoTarget;
-            result[0] = 0;
-          } else {
-            int code = LocateTarget(work);
-            if (code == kTargetNotFound || code == kTargetNoDrive || code == kTargetNotTested) {
-              status |= kReadTargetMissing;
-              if (code == kTargetNoDrive) {
-                CopyText(rawTarget, work);
-                status |= kReadMissingDrive;
-              }
-              if (work[0] != 0) status |= ClassifyMissingTarget(rawTarget, work);
-            } else {
-              targetAttributes = found.dwFileAttributes;
-              if (targetAttributes & FILE_ATTRIBUTE_DIRECTORY)
-                status |= kReadTargetFolder;
-              else if (targetAttributes != 0)
-                status |= kReadTargetFile;
-              else
-                status |= kReadZeroAttributes;
-            }
-            // A local mode of exactly kReadModeIconFound: the icon's file was taken as the result.
-            bool iconIsResult = localMode == kReadModeIconFound;
-            if (!iconIsResult && work[0] != 0) CopyText(result, work);
-            // A shortcut without an icon location gets its target as its icon, and is written back so.
-            if (icon != nullptr && icon[0] == 0 && work[0] != 0) {
-              CopyText(icon, work);
-              if (status & kReadTargetMissing) status |= kReadIconMissing;
-            }
-            if (iconIsResult) {
-              repair = false;
-            } else {
-              if (arguments != nullptr && FAILED(link->GetArguments(arguments, kPathSize))) arguments[0] = 0;
-              if (FAILED(link->GetWorkingDirectory(workingFolder, kPathSize))) {
-                workingFolder[0] = 0;
-                if (mode & kReadModeIconAsResult) keepRawWorkingFolder = 1;
-              }
-              if (workingFolder[0] != 0) {
-                int folderCode = LocateTarget(workingFolder);
-                if (folderCode == kTargetNoDrive || folderCode == kTargetNotFound) {
-                  status |= kReadFolderMissing;
-                  keepRawWorkingFolder = 1;
-                } else if (folderCode == kTargetNotTested || (mode & kReadModeIconAsResult)) {
-                  keepRawWorkingFolder = 1;
-                }
-              }
-              // An empty working folder leaves slot 0 with what the processing put there before the read.
-              SetKeptText(workingFolder, 0);
-              work[0] = 0;
-              if (FAILED(link->GetDescription(work, kPathSize))) work[0] = 0;
-              if (description != nullptr && work[0] != 0) CopyText(description, work);
-              int show = 1;
-              HRESULT shown = link->GetShowCmd(&show);
-              if (showCmdOut != nullptr) *showCmdOut = SUCCEEDED(shown) ? show : 1;
-            }
-          }
-        }
-      }
-      if (persist != nullptr) persist->Release();
-      if (link != nullptr) link->Release();
-    }
-    if (repair && !(localMode & kReadModeNoRepair) && status > 0)
-      RepairTargetText(window, workingFolder, rawTarget, localMode, status, result);
-    if (result[0] != 0) CopyText(path, result);
+    ReadByExtension(read);
+    if (read.repair && !(read.localMode & kReadModeNoRepair) && read.status > 0)
+      RepairTargetText(window, workingFolder, rawTarget, read.localMode, read.status, read.result);
+    if (read.result[0] != 0) CopyText(path, read.result);
+    status = read.status;
   }
   ReleaseBlock(workHandle, work);
   ReleaseBlock(folderHandle, workingFolder);
