@@ -44,7 +44,7 @@ void SetControlText(const char *text, unsigned id);
 // The text of the first row of `id` into `buffer`, at most `size` bytes, the rest of the buffer zero-filled; a text
 // of `size` bytes or more stays unterminated. With no such row the buffer is empty.
 void GetControlText(HWND window, unsigned id, char *buffer, int size);
-// The list box read: always an empty selection in this edition. Result 0.
+// The list box read: the store keeps no list rows, so the selection is empty. Result 0.
 int GetSelectedRows(HWND window, unsigned controlId, int *countOut, int *firstOut);
 int SelectedRowAt(int index);
 // The message box by string ids: it shows nothing on a console, and its 0 is no button code, so a caller that

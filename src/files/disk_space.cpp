@@ -151,8 +151,8 @@ int GetDiskSpace(char *path, DiskSpaceRecord *record, DiskSpaceRecordEx *recordE
     error = CaptureLastError();
     if (done) {
       succeeded = 1;
-      // Deliberately nothing is filled in for a caller who gave one record only: the windowed edition's callers that
-      // pass one record want the old figures, which the next query would give, yet its code ends here. Kept as it is.
+      // A caller who gave one record only gets no figures from this branch: it stops before the records are
+      // filled, and the old query is not asked.
       finished = onlyOne;
       if (!finished) {
         recordEx->freeToCaller = freeToCaller.QuadPart;

@@ -66,7 +66,7 @@ unsigned ReplaceFromControls(unsigned mode) {
     if (mode == kIdSimulationRun) ConsolePrintf("\nSimulation...\n");
     ScanFolderTree(nullptr, nullptr, WalkFlagsFor(mode, work[0]) | kWalkSubfolders, &count, work, "*.lnk", nullptr);
   } else {
-    // The all-drives branch: one walk for each selected drive. The selection is always empty in this edition.
+    // The all-drives branch: one walk for each selected drive row of the store.
     for (int row = 0; row < selected; ++row) {
       std::snprintf(work, sizeof work, "%c:\\", 'A' + SelectedRowAt(row));
       ScanFolderTree(nullptr, nullptr, WalkFlagsFor(mode, work[0]) | kWalkSubfolders, &count, work, "*.lnk", nullptr);
@@ -74,7 +74,7 @@ unsigned ReplaceFromControls(unsigned mode) {
     }
   }
   if (!WasAnyShortcutChanged()) {
-    // "No changes" goes to a control that this edition does not have.
+    // "No changes" goes to the results control, which the console shows nowhere.
     LoadStrings(kMsgTargetMissingRemark, kMsgTargetMissingRemark);
     SetControlTextStub(nullptr, kIdResultsThere, FirstSlotText());
   }

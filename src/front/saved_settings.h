@@ -1,4 +1,4 @@
-// Options and search folder saved by the windowed edition, read as defaults.
+// Options and search folder saved by the dialog tool in the shared settings, read as defaults.
 #pragma once
 
 // Reads the saved option value (control ids, as the store keeps them) into `buffer`. Result 1 when it is not empty.

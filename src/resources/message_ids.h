@@ -1,6 +1,6 @@
 // The ids of the program's messages, by name. Code and tests name a message by these, never by its number; the texts
-// stand beside the same names in the message table. The numbers are those under which the windowed edition's string
-// table keeps the same texts, so they must not change.
+// stand beside the same names in the message table. The numbers are those under which the dialog tool's string table
+// keeps the same texts, so they must not change.
 #pragma once
 
 enum MessageId : unsigned {

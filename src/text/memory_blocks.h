@@ -24,5 +24,5 @@ void ReleaseBlock(HGLOBAL handle, void *locked);
 // ReleaseBlock on a record that holds a handle, then clears the record; a record without a handle is left alone.
 // Nothing calls it yet.
 void ReleaseBlockRecord(BlockRecord *record);
-// Frees the blocks of the process-wide saved table, which no caller fills; the run driver empties it at the end.
+// Frees the blocks of the process-wide saved table; the run driver empties it at the end of a run.
 void ReleaseSavedBlocks(void);

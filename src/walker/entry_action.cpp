@@ -1,5 +1,5 @@
-// The entry action dispatcher: decides what happens to one entry the walk found, counts it, and prints its line.
-// In this edition that is: every filter passes, the full path is built, the shortcut action runs, and a changed
+// The entry action dispatcher: decides what happens to one entry the walk found, counts it, and prints its line. For a
+// shortcut walk: the filters that are set must pass, the full path is built, the shortcut action runs, and a changed
 // shortcut gets the line "\n ---> - C:\dir\name.lnk" under option r.
 #include <cstdio>
 #include <cstring>
@@ -54,7 +54,7 @@ bool FileTimeBefore(const FILETIME &a, const FILETIME &b) {
   return a.dwHighDateTime != b.dwHighDateTime ? a.dwHighDateTime < b.dwHighDateTime : a.dwLowDateTime < b.dwLowDateTime;
 }
 
-// One delete or move. The move mode has no destination in this edition, so a move is never done.
+// One delete or move. A walk names no destination folder, so the move mode moves nothing.
 int DoEntryOperation(char *path, int action) {
   if (action == kEntryDeleteFile || action == kEntryDeleteFolder) {
     DWORD attributes = 0;
@@ -89,7 +89,7 @@ int AcceptEntry(FindRecord record) {
   if (listed == -1) return -1;
   if (listed != -2) return 0;
   g_walk.FilterReached = 1;
-  // The filters: each one that is set must pass. None is set in this edition.
+  // The filters: each one that is set must pass; an unset one passes every entry.
   if (g_walk.NamePattern != nullptr) {
     bool plain = (g_walk.WalkFlags & kWalkPlainNames) != 0;
     if (plain ? lstrcmpiA(record.cFileName, g_walk.NamePattern) != 0

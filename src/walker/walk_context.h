@@ -1,4 +1,4 @@
-// The folder tree walker: goes through a folder tree and does one thing to each entry. This edition uses it with the
+// The folder tree walker: goes through a folder tree and does one thing to each entry. The run driver uses it with the
 // mask "*.lnk", the shortcut action and sub-folders: the walk flags kWalkShortcutTree.
 #pragma once
 
@@ -18,7 +18,7 @@ enum WalkFlag {
   kWalkPlainNames = 0x1000,
   kWalkSetAttributes = 0x2000,
 };
-// The walks of this edition: every shortcut below a folder, written back or (with kWalkDryRun) only looked at.
+// The run driver's walk: every shortcut below a folder, written back or (with kWalkDryRun) only looked at.
 const unsigned kWalkShortcutTree = kWalkShortcuts | kWalkSubfolders;
 
 // Walk codes: negative codes are single bits in negative form, merged by AddOutcome.

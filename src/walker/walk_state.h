@@ -58,7 +58,7 @@ struct WalkContext {
   int NetworkWalk{};
   int NetworkPromptOn{};
   int FilterReached{};
-  // Modes that no caller of this edition sets: they keep these values through every run.
+  // Filters and lists that a walk may set; these values mean "off", and ScanFolderTree leaves them so.
   char **MaskList{};
   char **ExcludeList{};
   NameListNode *NameList{};
