@@ -428,20 +428,3 @@ int MultiByteToWideChar(UINT codePage, DWORD, LPCSTR text, int length, LPWSTR wi
   return static_cast<int>(result.size());
 }
 
-int WideCharToMultiByte(UINT codePage, DWORD, LPCWSTR wide, int length, LPSTR text, int size, LPCSTR, BOOL *) {
-  if (wide == nullptr || length == 0 || length < -1 || size < 0 || (size > 0 && text == nullptr) ||
-      !(IsAnsiCodePage(codePage) || codePage == CP_UTF8)) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return 0;
-  }
-  size_t count = length == -1 ? std::wcslen(wide) + 1 : static_cast<size_t>(length);
-  std::u16string units = Utf16FromWide(wide, count);
-  std::string result = IsAnsiCodePage(codePage) ? Cp932FromUtf16(units) : Utf16ToUtf8(units);
-  if (size == 0) return static_cast<int>(result.size());
-  if (result.size() > static_cast<size_t>(size)) {
-    SetLastError(ERROR_INSUFFICIENT_BUFFER);
-    return 0;
-  }
-  std::memcpy(text, result.data(), result.size());
-  return static_cast<int>(result.size());
-}

@@ -91,10 +91,8 @@ HRESULT CoCreateInstance(REFCLSID rclsid, LPUNKNOWN outer, DWORD context, REFIID
 // As on Windows. The ANSI code page (CP_ACP, CP_OEMCP, CP_THREAD_ACP) is 932; 932 and CP_UTF8 are the others known.
 // `length` -1 converts through the terminator, which is counted. With `size` 0 the result is the size needed; a
 // buffer too small gives 0 and ERROR_INSUFFICIENT_BUFFER; an unknown code page gives 0 and ERROR_INVALID_PARAMETER.
-// A character that the target cannot hold becomes '?'; `flags`, `defaultChar` and `usedDefault` are not used.
+// `flags` is not used.
 int MultiByteToWideChar(UINT codePage, DWORD flags, LPCSTR text, int length, LPWSTR wide, int size);
-int WideCharToMultiByte(UINT codePage, DWORD flags, LPCWSTR wide, int length, LPSTR text, int size, LPCSTR defaultChar,
-                        BOOL *usedDefault);
 
 // ---- Shell links ---------------------------------------------------------------------------------------------------
 
