@@ -207,10 +207,12 @@ DWORD GetFullPathNameA(LPCSTR fileName, DWORD bufferLength, LPSTR buffer, LPSTR 
 DWORD SearchPathA(LPCSTR path, LPCSTR fileName, LPCSTR extension, DWORD bufferLength, LPSTR buffer, LPSTR *filePart);
 // There is no Windows folder on Linux: the environment variable windir (or SystemRoot) names one in drive form;
 // without it these give 0 with ERROR_PATH_NOT_FOUND and an empty buffer. The system folder is its "system32".
+// Their callers come with the special folders.
 UINT GetWindowsDirectoryA(LPSTR buffer, UINT size);
 UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
 
 // ---- Drives and volumes --------------------------------------------------------------------------------------------
+// Their callers come with the drive inventory.
 // DRIVE_FIXED for a mapped drive whose folder exists, named by any path on it ("X:", "X:\", "X:\dir\"; null: the
 // current drive); DRIVE_NO_ROOT_DIR for anything else, network roots included.
 UINT GetDriveTypeA(LPCSTR rootPathName);
