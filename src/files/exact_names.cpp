@@ -32,78 +32,122 @@ void CopyText(char *dest, const char *src) {
   dest[length] = 0;
 }
 
-// Rebuilds `path` (of which `work` is a writable copy) in exactPathBuffer. Result: 1 when the buffer holds the result,
-// 0 when the result is null. *foundBySearch tells that a bare name was found along the search path.
-int Rebuild(char *path, char *work, unsigned char flags, int *foundBySearch) {
+// A root, "X:\" or "\\", is its own spelling, with the drive letter upper-cased.
+void CopyRoot(const char *work) {
+  CopyText(exactPathBuffer, work);
+  exactPathBuffer[0] = static_cast<char>(ToUpperByte(static_cast<unsigned char>(exactPathBuffer[0])));
+}
+
+// A path of the network view: the view spells it itself, and only the real path behind it is walked. True when the
+// buffer already holds the result; otherwise *walked is the real path, and the buffer holds what goes in front of it.
+bool StartNetworkPath(char *path, char *work, unsigned char flags, char **walked, int *saved) {
   char *buffer = exactPathBuffer;
-  buffer[0] = 0;
-  *foundBySearch = 0;
-
-  if (IsDriveRoot(work) || IsUncRootForm(work)) {
-    CopyText(buffer, work);
-    buffer[0] = static_cast<char>(ToUpperByte(static_cast<unsigned char>(buffer[0])));
-    return 1;
+  int answer = ResolveNetworkName(work, buffer);
+  // Mode 0 folds only while names are folded at all; kExactNoFolding (mode 1) never folds.
+  FoldPathCase(buffer, nullptr, (flags & kExactNoFolding) ? 1 : 0);
+  if (answer == 1 || answer == -1) return true;
+  *walked = ToRealNetworkPath(work, saved);
+  if (*saved == 0) {
+    CopyText(buffer, *walked);
+    return true;
   }
-
-  char *walked = work;
-  int saved = 0;
-  if (IsNetworkPath(work)) {
-    int answer = ResolveNetworkName(work, buffer);
-    // Mode 0 folds only while names are folded at all; kExactNoFolding (mode 1) never folds.
-    FoldPathCase(buffer, nullptr, (flags & kExactNoFolding) ? 1 : 0);
-    if (answer == 1 || answer == -1) return 1;
-    walked = ToRealNetworkPath(work, &saved);
-    if (saved == 0) {
-      CopyText(buffer, walked);
-      return 1;
-    }
-    if (saved > 0) {
-      // Keep the view's prefix ("\:\group") of the caller's path in front of the real path that is walked.
-      char *hit = FindNoCase(path, walked + 1);
-      size_t prefix = hit != nullptr ? static_cast<size_t>(hit - path) : 0;
-      std::memcpy(buffer, path, prefix);
-      buffer[prefix] = 0;
-    } else {
-      buffer[0] = path[0];
-      buffer[1] = path[1];
-      buffer[2] = 0;
-    }
+  if (*saved > 0) {
+    // Keep the view's prefix ("\:\group") of the caller's path in front of the real path that is walked.
+    char *hit = FindNoCase(path, *walked + 1);
+    size_t prefix = hit != nullptr ? static_cast<size_t>(hit - path) : 0;
+    std::memcpy(buffer, path, prefix);
+    buffer[prefix] = 0;
+  } else {
+    buffer[0] = path[0];
+    buffer[1] = path[1];
+    buffer[2] = 0;
   }
+  return false;
+}
 
-  if (FindCharacter(walked, '\\') == nullptr) {
-    if (SearchForFile(path, walked, kPathSize) == kSearchFound) {
-      *foundBySearch = 1;
-    } else {
-      CopyText(walked, path);
-      if (FindCharacter(walked, '\\') == nullptr) {
-        CopyText(buffer, path);
-        return 1;
-      }
-    }
+// A bare name is looked for along the search path, and the walk goes through the full path found. True when the
+// buffer already holds the result: a name that is not found and still has no folder comes back as it was given.
+bool SearchBareName(char *path, char *walked, int *foundBySearch) {
+  if (SearchForFile(path, walked, kPathSize) == kSearchFound) {
+    *foundBySearch = 1;
+    return false;
   }
+  CopyText(walked, path);
+  if (FindCharacter(walked, '\\') != nullptr) return false;
+  CopyText(exactPathBuffer, path);
+  return true;
+}
 
-  char *cursor = walked;
-  if (FindCharacter(walked, '\\') != nullptr) {
-    if (FindText(walked, ":\\") != nullptr) {
-      buffer[0] = static_cast<char>(ToUpperByte(static_cast<unsigned char>(walked[0])));
-      std::strcpy(buffer + 1, ":\\");
-      cursor = walked + 3;
-    } else if (IsUncPrefix(walked)) {
-      char *cut = FindCharacter(walked + 2, '\\');
-      if (cut != nullptr) *cut = 0;
-      if (saved != 0) {
-        JoinPath(nullptr, buffer, walked + 2);
-      } else {
-        std::strcpy(buffer, "\\\\");
-        CopyText(buffer + 2, walked + 2);
-      }
-      if (cut != nullptr) *cut = '\\';
-      cursor = cut != nullptr ? cut : walked + std::strlen(walked);
-    }
+// The server of a UNC path goes into the buffer as it stands, behind the network view's prefix when there is one.
+// Result: where the walk goes on: the backslash behind the server, or the end of the text.
+char *CopyServerName(char *walked, int saved) {
+  char *buffer = exactPathBuffer;
+  char *cut = FindCharacter(walked + 2, '\\');
+  if (cut != nullptr) *cut = 0;
+  if (saved != 0) {
+    JoinPath(nullptr, buffer, walked + 2);
+  } else {
+    std::strcpy(buffer, "\\\\");
+    CopyText(buffer + 2, walked + 2);
   }
+  if (cut != nullptr) *cut = '\\';
+  return cut != nullptr ? cut : walked + std::strlen(walked);
+}
 
+// The root of the walked path goes into the buffer without being asked for: a drive with its letter upper-cased, or
+// a UNC server. Result: where the walk of the components begins.
+char *StartAtRoot(char *walked, int saved) {
+  if (FindCharacter(walked, '\\') == nullptr) return walked;
+  if (FindText(walked, ":\\") != nullptr) {
+    exactPathBuffer[0] = static_cast<char>(ToUpperByte(static_cast<unsigned char>(walked[0])));
+    std::strcpy(exactPathBuffer + 1, ":\\");
+    return walked + 3;
+  }
+  if (IsUncPrefix(walked)) return CopyServerName(walked, saved);
+  return walked;
+}
+
+// What the file system answered for one component.
+enum ComponentAnswer {
+  kComponentNamed,    // *name is the spelling to add
+  kComponentRefused,  // it could not be asked for: *name is the component, folded, and the walk ends behind it
+  kComponentError,    // the system reported an error after finding it: the result is the caller's path
+  kComponentNoName,   // the wanted form of its name is empty: the result is null
+};
+
+// Asks the file system for the walked path so far, which ends with the component at `start`. The spelling taken is
+// the long name with kExactLongNames, the short name with kExactShortNames, and otherwise the component as given.
+ComponentAnswer AskComponent(char *walked, char *start, unsigned char flags, WIN32_FIND_DATAA *record, char **name) {
+  HANDLE found = nullptr;
+  *name = start;
+  if (FindFirstExact(record, walked, &found) != 0) {
+    // What cannot be asked for ends the walk; the component itself still goes in, in "Program files" case.
+    FoldPathCase(start, nullptr, (flags & kExactNoFolding) ? 1 : 2);
+    return kComponentRefused;
+  }
+  DWORD error = GetKeptLastError();
+  if (found != nullptr && found != INVALID_HANDLE_VALUE) FindClose(found);
+  if (error != 0) return kComponentError;
+  FillShortName(record->cFileName, record->cAlternateFileName);
+  if (flags & kExactLongNames)
+    *name = record->cFileName;
+  else if (flags & kExactShortNames)
+    *name = record->cAlternateFileName;
+  return **name == 0 ? kComponentNoName : kComponentNamed;
+}
+
+// Puts back the backslash that was cut behind the component at `start`. Result: where the next component begins.
+char *RestoreSeparator(char *start, char *separator) {
+  if (separator == nullptr) return start + std::strlen(start);
+  *separator = '\\';
+  return separator + 1;
+}
+
+// The walk from `cursor` on, one component at a time, each asked of the file system and joined to the buffer in the
+// spelling it gave. Result: 1 when the buffer holds the result, 0 when the result is null.
+int WalkComponents(char *path, char *walked, char *cursor, unsigned char flags) {
+  char *buffer = exactPathBuffer;
   char *p = cursor;
-  int ended = 0;
   while (*p != 0) {
     if (*p == '\\') ++p;
     if (*p == 0) break;
@@ -118,42 +162,40 @@ int Rebuild(char *path, char *work, unsigned char flags, int *foundBySearch) {
     if (separator != nullptr) *separator = 0;
 
     WIN32_FIND_DATAA record;
-    HANDLE found = nullptr;
-    char *name = start;
-    if (FindFirstExact(&record, walked, &found) != 0) {
-      // What cannot be asked for ends the walk; the component itself still goes in, in "Program files" case.
-      FoldPathCase(start, nullptr, (flags & kExactNoFolding) ? 1 : 2);
-      ended = 1;
-    } else {
-      DWORD error = GetKeptLastError();
-      if (found != nullptr && found != INVALID_HANDLE_VALUE) FindClose(found);
-      if (error != 0) {
-        CopyText(buffer, path);
-        return 1;
-      }
-      FillShortName(record.cFileName, record.cAlternateFileName);
-      if (flags & kExactLongNames)
-        name = record.cFileName;
-      else if (flags & kExactShortNames)
-        name = record.cAlternateFileName;
-      if (*name == 0) return 0;
+    char *name = nullptr;
+    ComponentAnswer answer = AskComponent(walked, start, flags, &record, &name);
+    if (answer == kComponentError) {
+      CopyText(buffer, path);
+      return 1;
     }
-
+    if (answer == kComponentNoName) return 0;
     if (buffer[0] == 0) {
       // A relative path: only its first component survives. Callers give absolute paths.
       CopyText(buffer, name);
       return 1;
     }
     JoinPath(nullptr, buffer, name);
-    if (separator != nullptr) {
-      *separator = '\\';
-      p = separator + 1;
-    } else {
-      p = start + std::strlen(start);
-    }
-    if (ended) break;
+    p = RestoreSeparator(start, separator);
+    if (answer == kComponentRefused) break;
   }
   return 1;
+}
+
+// Rebuilds `path` (of which `work` is a writable copy) in exactPathBuffer. Result: 1 when the buffer holds the result,
+// 0 when the result is null. *foundBySearch tells that a bare name was found along the search path.
+int Rebuild(char *path, char *work, unsigned char flags, int *foundBySearch) {
+  exactPathBuffer[0] = 0;
+  *foundBySearch = 0;
+  if (IsDriveRoot(work) || IsUncRootForm(work)) {
+    CopyRoot(work);
+    return 1;
+  }
+  char *walked = work;
+  int saved = 0;
+  if (IsNetworkPath(work) && StartNetworkPath(path, work, flags, &walked, &saved)) return 1;
+  if (FindCharacter(walked, '\\') == nullptr && SearchBareName(path, walked, foundBySearch)) return 1;
+  char *cursor = StartAtRoot(walked, saved);
+  return WalkComponents(path, walked, cursor, flags);
 }
 
 }  // namespace

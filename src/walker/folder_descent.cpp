@@ -40,7 +40,8 @@ int EnterSubfolder(HWND owner, FindHandle handle, FindRecord record) {
   if (room >= kPathSize) return 0;
   JoinPath(nullptr, g_walk.FolderPath, record.cFileName);
   int skip = 0;
-  // The read-only question of the folder-removal mode, which this edition never turns on.
+  // In the folder-removal mode a read-only folder is asked about first, unless the read-only switch is set, and is
+  // entered only when the user answers Retry.
   if ((g_walk.WalkFlags & kWalkRemoveFolders) && (record.dwFileAttributes & FILE_ATTRIBUTE_READONLY) &&
       !g_walk.ReadOnlySwitch)
     skip = AskAboutReadOnlyFolder(owner, g_walk.FolderPath) == IDRETRY ? 0 : 1;
@@ -146,135 +147,196 @@ int NetworkAccessPrompt(HWND owner, const char *path, unsigned style) {
   return answer;
 }
 
+namespace {
+
+// How a step leaves the level: on with the next step, or out by one of the two exits. kFinish ends the level with the
+// entries done; kClose with the status as it stands. kSearchAgain begins the mask pass again after the network prompt.
+enum StepEnd { kGoOn, kSearchAgain, kFinish, kClose };
+
+// The action on a folder entry when the walk moves folders, and the type filter made whole again for the next entry.
+void ActOnFolderEntry(HWND owner, FindRecord &record) {
+  if (g_walk.TypeFilterNow && (g_walk.WalkFlags & kWalkMove))
+    g_walk.WalkStatus =
+        ActOnEntry(owner, (g_walk.WalkFlags & kWalkDelete) ? kEntryDeleteFolder : kEntryActOnFolder, record);
+  g_walk.TypeFilterNow = g_walk.TypeFilter;
+}
+
+// A network folder that refused the first search: the user is asked for a password, to go on, or to abort.
+StepEnd AnswerNetworkRefusal(HWND owner) {
+  int answer = NetworkAccessPrompt(owner, g_walk.FolderPath, MB_ICONEXCLAMATION | MB_YESNOCANCEL);
+  if (answer == 4) return kSearchAgain;
+  if (answer == 7) {
+    g_walk.NetworkPromptOn = 0;
+  } else if (answer == 3) {
+    g_walk.WalkStatus = kWalkAbort;
+    g_walk.Outcome = AddOutcome(g_walk.Outcome, kWalkAbort);
+    return kClose;
+  }
+  return kGoOn;
+}
+
+// The first search of the folder with the current mask. A search that finds nothing only leaves a status that is not
+// 0; on a network walk a refusal is asked about here.
+StepEnd SearchWithMask(HWND owner, FindHandle &handle, FindRecord &record) {
+  JoinPath(g_walk.SearchPattern, g_walk.FolderPath, g_walk.Mask);
+  g_walk.WalkStatus = FindFirstEntry(&handle, g_walk.SearchPattern, &record);
+  if (g_walk.NetworkWalk && g_walk.NetworkPromptOn) return AnswerNetworkRefusal(owner);
+  return kGoOn;
+}
+
+// The status of an action or a descent in the mask pass: an abort closes the level, a stop from below stops the walk.
+StepEnd TestMaskPassStatus() {
+  if (g_walk.WalkStatus == kWalkAbort) return kClose;
+  if (g_walk.WalkStatus == kWalkStop) {
+    SetStopFlag(kStopByWalk);
+    return kFinish;
+  }
+  return kGoOn;
+}
+
+// A file the mask pass has taken: when a required-names list is satisfied by it, the walk stops here.
+StepEnd TestRequiredNames(FindRecord &record) {
+  JoinPath(g_walk.EntryPath, g_walk.FolderPath, record.cFileName);
+  if (g_walk.FilterReached) return kGoOn;
+  SetStopFlag(kStopByWalk);
+  g_walk.Outcome = AddOutcome(g_walk.Outcome, kWalkStop);
+  g_walk.WalkStatus = kWalkStop;
+  g_walk.EntriesDone = 1;
+  return kClose;
+}
+
+// The levels of the network view list only folders, so there the mask pass goes down too. On a drive a folder called
+// "x.lnk" is no entry of this pass.
+bool IsNetworkViewFolder(FindRecord &record) {
+  return g_walk.NetworkWalk && IsNetworkViewLevel(g_walk.FolderPath) && !IsDotName(record.cFileName) &&
+         SelectFolderEntry(record.dwFileAttributes);
+}
+
+// A folder of the network view, met by the mask pass: handled as the all-entries pass handles a folder.
+StepEnd EnterNetworkViewFolder(HWND owner, FindHandle &handle, FindRecord &record) {
+  ActOnFolderEntry(owner, record);
+  if (!(g_walk.WalkFlags & kWalkSubfolders)) return kGoOn;
+  g_walk.WalkStatus = EnterSubfolder(owner, handle, record);
+  return TestMaskPassStatus();
+}
+
+// One entry of the mask pass: a file is acted on, an excluded name only counts for the required names, and a folder
+// is entered only at the levels of the network view.
+StepEnd TakeMaskEntry(HWND owner, FindHandle &handle, FindRecord &record) {
+  int select = SelectFileEntry(record.dwFileAttributes, record.cFileName);
+  if (select == 1) {
+    g_walk.WalkStatus =
+        ActOnEntry(owner, (g_walk.WalkFlags & kWalkDelete) ? kEntryDeleteFile : kEntryActOnFile, record);
+    return g_walk.WalkStatus != 0 ? TestMaskPassStatus() : TestRequiredNames(record);
+  }
+  if (select == kWalkEntryDone) {
+    g_walk.WalkStatus = 0;
+    return TestRequiredNames(record);
+  }
+  if (IsNetworkViewFolder(record)) return EnterNetworkViewFolder(owner, handle, record);
+  return kGoOn;
+}
+
+// The entries of one mask's search, in listing order, up to the end of the listing, which closes the search.
+StepEnd ListMaskEntries(HWND owner, FindHandle &handle, FindRecord &record) {
+  for (;;) {
+    if (g_walk.WalkStatus == kFindSkip) {
+      g_walk.WalkStatus = FindNextEntry(&handle, &record);
+      continue;
+    }
+    if (g_walk.WalkStatus != 0) {
+      CloseFind(&handle);
+      return IsStopRequested() ? kFinish : kGoOn;
+    }
+    if (IsStopRequested()) return kFinish;
+    StepEnd end = TakeMaskEntry(owner, handle, record);
+    if (end != kGoOn) return end;
+    g_walk.WalkStatus = FindNextEntry(&handle, &record);
+  }
+}
+
+// The mask pass: every file of the mask is acted on at once, in listing order.
+StepEnd RunMaskPass(HWND owner, FindHandle &handle, FindRecord &record) {
+  int maskCount = MaskCount();
+  for (int maskIndex = 0; maskIndex < maskCount; ++maskIndex) {
+    if (maskCount > 1) std::snprintf(g_walk.Mask, sizeof g_walk.Mask, "%s", g_walk.MaskList[maskIndex]);
+    StepEnd end = SearchWithMask(owner, handle, record);
+    if (end == kSearchAgain) {
+      maskIndex = -1;
+      continue;
+    }
+    if (end != kGoOn) return end;
+    if (IsStopRequested()) return kFinish;
+    // Every folder the walk reaches is printed, after its first search whatever it found: also one without a
+    // shortcut and one that could not be listed.
+    if (maskCount == 1 && g_walk.ShowFolders) ConsolePrintf("\n %s", g_walk.FolderPath);
+    end = ListMaskEntries(owner, handle, record);
+    if (end != kGoOn) return end;
+  }
+  return kGoOn;
+}
+
+// One entry of the all-entries pass: a folder other than "." and ".." is acted on and then walked completely.
+StepEnd TakeFolderEntry(HWND owner, FindHandle &handle, FindRecord &record) {
+  if (IsDotName(record.cFileName) || !SelectFolderEntry(record.dwFileAttributes)) return kGoOn;
+  ActOnFolderEntry(owner, record);
+  if (!(g_walk.WalkFlags & kWalkSubfolders)) return kGoOn;
+  g_walk.WalkStatus = EnterSubfolder(owner, handle, record);
+  if (g_walk.WalkStatus == kWalkAbort) return kClose;
+  if (g_walk.WalkStatus == kWalkStop) return kFinish;
+  return kGoOn;
+}
+
+// The all-entries pass: every sub-folder is walked completely before the next entry is looked at. The stop flag
+// reaches this pass through EnterSubfolder.
+StepEnd RunFolderPass(HWND owner, FindHandle &handle, FindRecord &record) {
+  JoinPath(g_walk.EntryBuffer, g_walk.FolderPath, const_cast<char *>(kAllEntries));
+  g_walk.WalkStatus = FindFirstEntry(&handle, g_walk.EntryBuffer, &record);
+  while (g_walk.WalkStatus == 0 || g_walk.WalkStatus == kFindSkip) {
+    if (g_walk.WalkStatus == 0) {
+      StepEnd end = TakeFolderEntry(owner, handle, record);
+      if (end != kGoOn) return end;
+    }
+    g_walk.WalkStatus = FindNextEntry(&handle, &record);
+  }
+  return kGoOn;
+}
+
+// In the folder-removal mode the finished folder itself goes, unless it is the start folder that is to be kept.
+StepEnd RemoveFinishedFolder() {
+  bool keep = (g_walk.WalkFlags & kWalkKeepStart) && g_walk.StartFolder != nullptr &&
+              lstrcmpiA(g_walk.FolderPath, g_walk.StartFolder) == 0;
+  if (!keep && RemoveFolderEntry(g_walk.FolderPath) == '?') {
+    g_walk.WalkStatus = kWalkAbort;
+    g_walk.Outcome = AddOutcome(g_walk.Outcome, kWalkAbort);
+    return kClose;
+  }
+  return kFinish;
+}
+
+// The folder's listing is done. SearchPattern is made again because EnterSubfolder steps back by cutting it.
+StepEnd EndFolder(FindHandle &handle) {
+  CloseFind(&handle);
+  JoinPath(g_walk.SearchPattern, g_walk.FolderPath, g_walk.Mask);
+  if (!(g_walk.WalkFlags & kWalkRemoveFolders)) return kFinish;
+  return RemoveFinishedFolder();
+}
+
+// The level's exit: the search is closed and the status handed up, the entries done when the level finished.
+int LeaveFolder(FindHandle &handle, StepEnd end) {
+  if (end == kFinish) g_walk.WalkStatus = static_cast<int>(g_walk.EntriesDone);
+  CloseFind(&handle);
+  return g_walk.WalkStatus;
+}
+
+}  // namespace
+
 int ScanFolder(HWND owner) {
   FindHandle handle = {nullptr, nullptr};
   FindRecord record;
   std::memset(&record, 0, sizeof record);
-  // "finish": the level ends with the entries done; "close": with the status as it stands.
-  auto close = [&]() {
-    CloseFind(&handle);
-    return g_walk.WalkStatus;
-  };
-  auto finish = [&]() {
-    g_walk.WalkStatus = static_cast<int>(g_walk.EntriesDone);
-    return close();
-  };
-  if (IsStopRequested()) return finish();
-
-  // The mask pass: every file of the mask is acted on at once, in listing order.
-  int maskCount = MaskCount();
-  for (int maskIndex = 0; maskIndex < maskCount; ++maskIndex) {
-    if (maskCount > 1) std::snprintf(g_walk.Mask, sizeof g_walk.Mask, "%s", g_walk.MaskList[maskIndex]);
-    JoinPath(g_walk.SearchPattern, g_walk.FolderPath, g_walk.Mask);
-    g_walk.WalkStatus = FindFirstEntry(&handle, g_walk.SearchPattern, &record);
-    if (g_walk.NetworkWalk && g_walk.NetworkPromptOn) {
-      int answer = NetworkAccessPrompt(owner, g_walk.FolderPath, MB_ICONEXCLAMATION | MB_YESNOCANCEL);
-      if (answer == 4) {
-        maskIndex = -1;
-        continue;
-      }
-      if (answer == 7) {
-        g_walk.NetworkPromptOn = 0;
-      } else if (answer == 3) {
-        g_walk.WalkStatus = kWalkAbort;
-        g_walk.Outcome = AddOutcome(g_walk.Outcome, kWalkAbort);
-        return close();
-      }
-    }
-    if (IsStopRequested()) return finish();
-    // Every folder the walk reaches is printed, after its first search whatever it found: also one without a
-    // shortcut and one that could not be listed.
-    if (maskCount == 1 && g_walk.ShowFolders) ConsolePrintf("\n %s", g_walk.FolderPath);
-
-    for (;;) {
-      if (g_walk.WalkStatus == kFindSkip) {
-        g_walk.WalkStatus = FindNextEntry(&handle, &record);
-        continue;
-      }
-      if (g_walk.WalkStatus != 0) {
-        CloseFind(&handle);
-        if (IsStopRequested()) return finish();
-        break;
-      }
-      if (IsStopRequested()) return finish();
-      int select = SelectFileEntry(record.dwFileAttributes, record.cFileName);
-      bool acted = false;  // take the status test of an action (or a descent)
-      bool named = false;  // take the name-list test
-      if (select == 1) {
-        g_walk.WalkStatus =
-            ActOnEntry(owner, (g_walk.WalkFlags & kWalkDelete) ? kEntryDeleteFile : kEntryActOnFile, record);
-        if (g_walk.WalkStatus != 0)
-          acted = true;
-        else
-          named = true;
-      } else if (select == kWalkEntryDone) {
-        g_walk.WalkStatus = 0;
-        named = true;
-      } else if (g_walk.NetworkWalk && IsNetworkViewLevel(g_walk.FolderPath) && !IsDotName(record.cFileName) &&
-                 SelectFolderEntry(record.dwFileAttributes)) {
-        // The levels of the network view list only folders, so there the mask pass goes down too. On a drive a
-        // folder called "x.lnk" is no entry of this pass.
-        if (g_walk.TypeFilterNow && (g_walk.WalkFlags & kWalkMove))
-          g_walk.WalkStatus =
-              ActOnEntry(owner, (g_walk.WalkFlags & kWalkDelete) ? kEntryDeleteFolder : kEntryActOnFolder, record);
-        g_walk.TypeFilterNow = g_walk.TypeFilter;
-        if (g_walk.WalkFlags & kWalkSubfolders) {
-          g_walk.WalkStatus = EnterSubfolder(owner, handle, record);
-          acted = true;
-        }
-      }
-      if (named) {
-        JoinPath(g_walk.EntryPath, g_walk.FolderPath, record.cFileName);
-        if (!g_walk.FilterReached) {
-          // The required names are all seen.
-          SetStopFlag(kStopByWalk);
-          g_walk.Outcome = AddOutcome(g_walk.Outcome, kWalkStop);
-          g_walk.WalkStatus = kWalkStop;
-          g_walk.EntriesDone = 1;
-          return close();
-        }
-      }
-      if (acted) {
-        if (g_walk.WalkStatus == kWalkAbort) return close();
-        if (g_walk.WalkStatus == kWalkStop) {
-          SetStopFlag(kStopByWalk);
-          return finish();
-        }
-      }
-      g_walk.WalkStatus = FindNextEntry(&handle, &record);
-    }
-  }
-
-  // The all-entries pass: every sub-folder is walked completely before the next entry is looked at.
-  JoinPath(g_walk.EntryBuffer, g_walk.FolderPath, const_cast<char *>(kAllEntries));
-  g_walk.WalkStatus = FindFirstEntry(&handle, g_walk.EntryBuffer, &record);
-  while (g_walk.WalkStatus == 0 || g_walk.WalkStatus == kFindSkip) {
-    if (g_walk.WalkStatus == 0 && !IsDotName(record.cFileName) && SelectFolderEntry(record.dwFileAttributes)) {
-      if (g_walk.TypeFilterNow && (g_walk.WalkFlags & kWalkMove))
-        g_walk.WalkStatus =
-            ActOnEntry(owner, (g_walk.WalkFlags & kWalkDelete) ? kEntryDeleteFolder : kEntryActOnFolder, record);
-      g_walk.TypeFilterNow = g_walk.TypeFilter;
-      if (g_walk.WalkFlags & kWalkSubfolders) {
-        g_walk.WalkStatus = EnterSubfolder(owner, handle, record);
-        if (g_walk.WalkStatus == kWalkAbort) return close();
-        if (g_walk.WalkStatus == kWalkStop) return finish();
-      }
-    }
-    g_walk.WalkStatus = FindNextEntry(&handle, &record);
-  }
-  CloseFind(&handle);
-  JoinPath(g_walk.SearchPattern, g_walk.FolderPath, g_walk.Mask);
-  if (!(g_walk.WalkFlags & kWalkRemoveFolders)) return finish();
-
-  // The folder-removal mode, which this edition never turns on: the finished folder itself goes, unless it is the
-  // start folder that is to be kept.
-  if (!((g_walk.WalkFlags & kWalkKeepStart) && g_walk.StartFolder != nullptr &&
-        lstrcmpiA(g_walk.FolderPath, g_walk.StartFolder) == 0)) {
-    if (RemoveFolderEntry(g_walk.FolderPath) == '?') {
-      g_walk.WalkStatus = kWalkAbort;
-      g_walk.Outcome = AddOutcome(g_walk.Outcome, kWalkAbort);
-      return close();
-    }
-  }
-  return finish();
+  StepEnd end = IsStopRequested() ? kFinish : RunMaskPass(owner, handle, record);
+  if (end == kGoOn) end = RunFolderPass(owner, handle, record);
+  if (end == kGoOn) end = EndFolder(handle);
+  return LeaveFolder(handle, end);
 }
