@@ -24,7 +24,6 @@
 namespace {
 
 const unsigned kRealRun = 1;
-const char kReportFileName[] = "_rplcsc_.txt";
 // Written by the wind-up frame; nothing reads it.
 unsigned reservedWord = 0;
 
@@ -89,7 +88,7 @@ int RunReplacement(HWND, unsigned reserved) {
   ReleaseSavedBlocks();
   PopNetworkFolder();
   ReleaseNetworkList();
-  if (HasReportFolder()) DeleteResultFile(kReportFileName);
+  if (ReportFolder()[0] != 0) DeleteResultFile(ReportFolder(), kReportFileName);
   ReleaseResultText();
   ReleaseKeptTexts();
   return 0;

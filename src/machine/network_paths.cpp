@@ -10,7 +10,40 @@
 
 namespace {
 unsigned networkLevelMask = 0;
+// The network message waiting to be shown for the next folder fault: the error and the provider's word beside it.
+// Only the network listing sets them.
+DWORD pendingNetworkError = 0;
+DWORD pendingNetworkWord = 0;
 }  // namespace
+
+int IsNetworkPasswordError(DWORD error) {
+  return error == ERROR_INVALID_PASSWORD || error == ERROR_BAD_NET_RESP ? 1 : 0;
+}
+
+int IsNetworkError(DWORD error) {
+  static const DWORD kErrors[] = {50,   52,   53,   54,   55,   56,   57,   58,   59,   64,   65,   66,   67,
+                                  69,   86,   88,   1203, 1205, 1214, 1220, 1222, 1225, 1227, 1229, 1231, 1234,
+                                  1236, 1241, 1244, 1245, 1707, 1724, 1739, 1763, 1790, 1792, 2108, 2250, 4100};
+  for (DWORD known : kErrors)
+    if (known == error) return 1;
+  return 0;
+}
+
+int NetworkPresent(void) {
+  // SM_NETWORK: bit 0 is set when the machine has a network at all.
+  if (!(GetSystemMetrics(SM_NETWORK) & 1)) return 0;
+  DWORD flags = 0;
+  if (InternetGetConnectedState(&flags, 0) != 1) return 0;
+  return (flags & (INTERNET_CONNECTION_MODEM | INTERNET_CONNECTION_LAN | INTERNET_CONNECTION_PROXY)) ? 1 : 0;
+}
+
+int NetworkUnavailable(void) { return 0; }
+
+int NetworkErrorPending(void) { return pendingNetworkError != 0 ? 1 : 0; }
+void ClearPendingNetworkError(void) {
+  pendingNetworkError = 0;
+  pendingNetworkWord = 0;
+}
 
 int IsUncPath(const char *path) { return path != nullptr && path[0] == '\\' && path[1] == '\\' ? 1 : 0; }
 

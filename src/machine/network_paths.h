@@ -41,3 +41,16 @@ int ResolveNetworkName(const char *path, char *out);
 // success. Until the network rules land, the volume never answers (0), and the buffers are left as they were.
 int GetVolumeDetails(const char *root, char *label, DWORD labelSize, DWORD *serial, DWORD *maxLength, DWORD *flags,
                      char *fileSystemName, DWORD fileSystemNameSize);
+// 1 for an error that a network place gives (a lost connection, a refused logon, an unknown server ...), else 0.
+int IsNetworkError(DWORD error);
+// 1 for the two network errors that a password can cure: 86 (bad password) and 58 (the server refused).
+int IsNetworkPasswordError(DWORD error);
+// 1 when the machine has a network connection (a network at all, and a modem, LAN or proxy connection); asked anew
+// on every call.
+int NetworkPresent(void);
+// 1 once the network listing found the network unreachable; the drive question then asks nothing for a network path.
+// Nothing sets it before the network listing lands: 0.
+int NetworkUnavailable(void);
+// A network message is waiting for the next folder fault (the network listing leaves one), and its clearing.
+int NetworkErrorPending(void);
+void ClearPendingNetworkError(void);

@@ -17,6 +17,8 @@
 #include <shellapi.h>
 #include <shlguid.h>
 #include <shlobj.h>
+// InternetGetConnectedState and InternetGetLastResponseInfoA.
+#include <wininet.h>
 
 #else  // the Linux backend
 
@@ -97,11 +99,18 @@ HWND GetDesktopWindow(void);
 
 typedef short SHORT;
 #define SM_SWAPBUTTON 23
+#define SM_NETWORK 63
 #define VK_LBUTTON 0x01
 #define VK_RBUTTON 0x02
 // Linux has no key state that a console program could ask for: no key is ever down, the buttons are not swapped.
 SHORT GetAsyncKeyState(int virtualKey);
+// SM_NETWORK: 1 when a network interface other than the loopback is up; any other index 0.
 int GetSystemMetrics(int index);
+#define INTERNET_CONNECTION_MODEM 0x01u
+#define INTERNET_CONNECTION_LAN 0x02u
+#define INTERNET_CONNECTION_PROXY 0x04u
+// Connected (INTERNET_CONNECTION_LAN) when a network interface other than the loopback is up.
+BOOL InternetGetConnectedState(DWORD *flags, DWORD reserved);
 
 #include "platform/posix/files/files.h"
 // Shell link objects (IShellLinkA, IPersistFile), COM creation, code page conversion, and the types they use.

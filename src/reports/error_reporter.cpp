@@ -12,11 +12,19 @@ namespace {
 int networkMessagesQuiet = 0;
 }  // namespace
 
-void ReportBeep(unsigned) {}
-void SetNetworkMessagesQuiet(int value) { networkMessagesQuiet = value; }
+char *DescribeSystemError(const char *, DWORD) { return nullptr; }
+void ReleaseSystemErrorText(void) {}
 void SetReportStyle(unsigned, const char *) {}
+int ReportError(HWND, const char *, const char *, const char *, int) { return 0; }
 int ReportErrorWithAttributes(HWND, const char *, const char *, const char *, int) { return 0; }
+int ReportErrorById(HWND, const char *, UINT, UINT, int) { return 0; }
+int ReportErrorByIdWithAttributes(HWND, const char *, UINT, UINT, int) { return 0; }
+void ReportBeep(unsigned) {}
 int ReportAccessProblem(DWORD, const char *, const char *, HMODULE, UINT, UINT) { return 0; }
+int LanguageIndex(void) { return 1; }
+void SetLanguageIndex(int) {}
+const char *ErrorOccurredText(void) { return "ｴﾗｰが発生しました。"; }
+void SetNetworkMessagesQuiet(int value) { networkMessagesQuiet = value; }
 
 void ReportMissingLinkTarget(HWND window, const char *target) {
   char message[2 * kPathSize];

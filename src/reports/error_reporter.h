@@ -1,22 +1,44 @@
-// The error reporter: the one way in which failures are told to the user.
+// The error reporter: the one way in which failures are told to the user. A report is composed of up to five pieces
+// (the object's name in quotes, the caller's text, the read-only remark, the system's text for the error, and a line
+// set beforehand) and goes to the console prompt, whose answer is the report's result.
 #pragma once
 
 #include "platform/winapi.h"
 
-// Sounds the alert of a message level (16 stop, 48 warning).
-void ReportBeep(unsigned level);
+// The code that DescribeSystemError reads from GetLastError itself.
+const DWORD kCurrentLastError = 0xFFFFFFFFu;
+
+// The system's text for `code` (kCurrentLastError: GetLastError), with the file name of `path` (may be null or
+// empty) inserted where the text has a place for it, line ends trimmed. Result: the text, valid until the next fetch
+// or ReleaseSystemErrorText; null for code 0 or a code the system has no text for.
+char *DescribeSystemError(const char *path, DWORD code);
+// Frees the current system text.
+void ReleaseSystemErrorText(void);
+// The style of the next reports (message-box bits: 16 stop, 32 question, 48 warning, 64 information, plus 4 for yes
+// and no) and a line to add below them (copied up to 519 bytes; null or empty for none). Both stay until the next call.
+void SetReportStyle(unsigned level, const char *line);
+// Tells the user about `name` (may be null; nameMode 1 shows its file name only) with `body` (may be null), titled
+// `title`, and waits for the answer. GetLastError and errno are as they were on entry. Result: the prompt's answer.
+int ReportError(HWND owner, const char *name, const char *body, const char *title, int nameMode);
+// ReportError after reading the attributes of `name` (a failed read counts as 0x80), so that a read-only object
+// gets the read-only remark.
+int ReportErrorWithAttributes(HWND owner, const char *name, const char *body, const char *title, int nameMode);
+// The two above with the body and the title loaded by message id.
+int ReportErrorById(HWND owner, const char *name, UINT bodyId, UINT titleId, int nameMode);
+int ReportErrorByIdWithAttributes(HWND owner, const char *name, UINT bodyId, UINT titleId, int nameMode);
+// Sounds the alert of a style: 0x40 as 64, 0x10 or 0x20 as 48, any other as it stands.
+void ReportBeep(unsigned style);
+// The access question for a refused delete or remove. `code` is the captured system error; `name` (may be null) or
+// else `path` names the object; `module` and `titleId` give the title; `style` is the prompt's style. Result: 0 when
+// the error was no refused access, 1 when the caller is to stop (style 0, 48, or the answer no), -1 to go on.
+int ReportAccessProblem(DWORD code, const char *name, const char *path, HMODULE module, UINT titleId, UINT style);
+// Which member of the program's English and Japanese text pairs is shown: 0 English, 1 Japanese (the start value).
+int LanguageIndex(void);
+void SetLanguageIndex(int index);
+// The pair "Error occurred." / "ｴﾗｰが発生しました。", by LanguageIndex.
+const char *ErrorOccurredText(void);
 // 1: the network messages stay silent.
 void SetNetworkMessagesQuiet(int value);
-// The style of the next report, and the line it belongs to.
-void SetReportStyle(unsigned style, const char *line);
-// Tells a fault about `path` with the system's error and the path's attributes. Result: the user's answer (a
-// message-box code), or 0 when nothing was asked.
-int ReportErrorWithAttributes(HWND owner, const char *path, const char *text, const char *title, int nameMode);
-// The access question for a refused delete or remove. `code` is the captured system error; `name` (may be null) or
-// else `path` names the object; `module` and `titleId` give the title; `style` is the prompt's style. Result: 1 when
-// the caller is to treat the operation as failed and try nothing more, -1 to go on, 0 when the error was not a refused
-// access. Until the reporter lands: always 0, so the caller's own failure handling decides.
-int ReportAccessProblem(DWORD code, const char *name, const char *path, HMODULE module, UINT titleId, UINT style);
 // Tells that the drive of a shortcut's target `target` is not there ("ﾘﾝｸ先 %s はありません。", titled "実行", with
 // the warning icon) and waits for a key.
 void ReportMissingLinkTarget(HWND window, const char *target);

@@ -1,19 +1,32 @@
-// The result text of a run: the rows of every change, kept in memory.
+// The result text of a run: one growing Shift-JIS text, lines ending in "\r\n", into which the engine writes what was
+// done (which shortcut, which field, from what to what, with a remark on a target that is not there). It is kept in
+// memory for the whole process; this tool shows it nowhere and drops it at the end of the run.
 #pragma once
 
 #include "platform/winapi.h"
 
-// Empties the result text.
-void ReleaseResultText(void);
-// Deletes the report file `name` in the report folder, when one is set.
-void DeleteResultFile(const char *name);
-// Not 0 when a report folder is set.
-int HasReportFolder(void);
+// The report file's name, in the report folder.
+extern const char kReportFileName[];
 
-// Adds rows for one entry to the result text: `line` (a field name, or null), `text` (the old text or the entry's
-// path), `match` (the new text), and `headingId`, the heading that opens the text if it has none yet.
-void AddResultEntry(HWND window, const char *line, const char *text, const char *match, unsigned headingId, int flags);
-// The folder against which relative targets of the next rows are checked; empty for none.
+// Adds one row: the heading `headingId` (only if the text has none yet), `prefix` (runs straight into what follows),
+// `path` with its short form in brackets where that differs and its attribute letters, `target` on a line of its own
+// with a remark when it is not there, and the system's text for `systemError` (0: GetLastError). Every argument may be
+// null or 0. A call made while one is running adds nothing. errno is as it was on entry.
+void AddResultEntry(HWND owner, const char *prefix, const char *path, const char *target, UINT headingId,
+                    DWORD systemError);
+// The text, locked; null when there is none. A second call gives the same pointer; the next AddResultEntry voids it.
+char *LockResultText(void);
+// Unlocks and frees the text; the next text may have a heading again.
+void ReleaseResultText(void);
+// The folder against which relative targets of the next rows are tested; null or empty for none.
 void SetResultBaseFolder(const char *folder);
-// 1: the next rows' texts are checked as targets.
-void SetResultTargetCheck(int value);
+// Not 0: the next rows' targets are not tested (for a row whose new text is no path).
+void SetResultTargetCheck(int off);
+// The folder of the report file: empty, as nothing in this tool writes the file.
+const char *ReportFolder(void);
+// Deletes `name` in `folder` (or `name` itself for an empty folder) if it is there. No message.
+void DeleteResultFile(const char *folder, const char *name);
+// The fault message for a folder or file path: `fault` picks the text, `count` goes into the "maximum" text, `style`
+// bits 1 and 2 name a file or a folder, bit 8 makes it a question. Result: 0 for yes, -1 otherwise (0 for -11); the
+// faults -18 and -20 come back as they are, 0 for 0, -22 after a pending network message.
+int ReportFolderFault(HWND owner, const char *path, int fault, int count, int style);

@@ -108,19 +108,6 @@ int SelectFolderEntry(DWORD attributes) {
 
 int IsNetworkViewLevel(const char *path) { return (ClassifyNetworkPath(path) & (kNetRoot | kNetGroup | kNetServer)); }
 
-int IsNetworkPasswordError(DWORD error) {
-  return error == ERROR_INVALID_PASSWORD || error == ERROR_BAD_NET_RESP ? 1 : 0;
-}
-
-int IsNetworkError(DWORD error) {
-  static const DWORD kErrors[] = {50,   52,   53,   54,   55,   56,   57,   58,   59,   64,   65,   66,   67,
-                                  69,   86,   88,   1203, 1205, 1214, 1220, 1222, 1225, 1227, 1229, 1231, 1234,
-                                  1236, 1241, 1244, 1245, 1707, 1724, 1739, 1763, 1790, 1792, 2108, 2250, 4100};
-  for (DWORD known : kErrors)
-    if (known == error) return 1;
-  return 0;
-}
-
 int NetworkAccessPrompt(HWND owner, const char *path, unsigned style) {
   DWORD error = GetKeptLastError();
   if (!IsNetworkError(error)) return 0;

@@ -13,6 +13,3 @@ int IsNetworkViewLevel(const char *path);
 // For a folder of a network walk that could not be listed: 0 no network error; 1 or 2 go on; 3 abort; 4 search
 // again; 7 ask no more.
 int NetworkAccessPrompt(HWND owner, const char *path, unsigned style);
-int IsNetworkError(DWORD error);
-// 1 for errors 86 (bad password) and 58.
-int IsNetworkPasswordError(DWORD error);

@@ -20,7 +20,6 @@ void SetLastError(DWORD code) { lastError = code; }
 HMODULE GetModuleHandleA(LPCSTR) { return reinterpret_cast<HMODULE>(0x400000); }
 HWND GetDesktopWindow(void) { return nullptr; }
 SHORT GetAsyncKeyState(int) { return 0; }
-int GetSystemMetrics(int) { return 0; }
 
 [[noreturn]] void ExitOnInvalidParameter(void) { _exit(0x17); }
 
