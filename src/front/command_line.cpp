@@ -406,6 +406,7 @@ int KelmaroMain(int argc, char **argv) {
   }
 
   char *options = DecideItems(slots);
+  targetTexts[0] = PlatformFolderArgument(targetTexts[0]);
   if (!TargetTextsFit()) return 0;
   RunChoice choice;
   char *letters = ApplyOptions(options, &choice);

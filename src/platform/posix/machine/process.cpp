@@ -2,6 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <climits>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,33 @@
 #include "platform/winapi.h"
 
 namespace {
+
 DWORD lastError = 0;
+
+// `relative` joined to the current folder, with "." and ".." parts taken away by the text alone, so that a folder
+// reached through a symbolic link keeps the name it was given. Empty when the current folder cannot be had.
+std::string AbsoluteLinuxPath(const std::string &relative) {
+  char cwd[PATH_MAX];
+  if (getcwd(cwd, sizeof cwd) == nullptr) return std::string();
+  std::vector<std::string> parts;
+  std::string whole = std::string(cwd) + "/" + relative;
+  size_t start = 0;
+  while (start <= whole.size()) {
+    size_t slash = whole.find('/', start);
+    if (slash == std::string::npos) slash = whole.size();
+    std::string part = whole.substr(start, slash - start);
+    if (part == "..") {
+      if (!parts.empty()) parts.pop_back();
+    } else if (!part.empty() && part != ".") {
+      parts.push_back(part);
+    }
+    start = slash + 1;
+  }
+  std::string path;
+  for (const std::string &part : parts) path += "/" + part;
+  return path.empty() ? "/" : path;
+}
+
 }  // namespace
 
 DWORD GetLastError(void) { return lastError; }
@@ -44,4 +71,20 @@ void PlatformStartup(int *argc, char ***argv) {
   for (std::string &text : texts) pointers.push_back(&text[0]);
   pointers.push_back(nullptr);
   *argv = pointers.data();
+}
+
+const char *PlatformFolderArgument(const char *text) {
+  static std::string converted;
+  if (text == nullptr || *text == 0) return text;
+  // The name as the command line gave it, which is also its spelling on disk.
+  std::string name = Cp932ToLocale(text);
+  // An absolute folder was converted at start-up; a backslash or a drive colon makes it a Windows path.
+  if (name[0] == '/' || name.find('\\') != std::string::npos || name.find(':') != std::string::npos) return text;
+  struct stat info;
+  if (stat(name.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) return text;
+  std::string drivePath;
+  std::string absolute = AbsoluteLinuxPath(name);
+  if (absolute.empty() || !LinuxPathToDrivePath(absolute, &drivePath)) return text;
+  converted = Utf8ToCp932(drivePath);
+  return converted.c_str();
 }

@@ -9,3 +9,6 @@
 }
 
 void PlatformStartup(int *, char ***) {}
+
+// Windows takes a relative folder as the user's own business: the folder checks refuse it, having no drive head.
+const char *PlatformFolderArgument(const char *text) { return text; }
