@@ -6,7 +6,9 @@ it): under Wine the console is in text mode, so every newline arrives as CR LF, 
 program's texts were converted.
 """
 import argparse
+import atexit
 import os
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -65,7 +67,7 @@ def run(args, stdin=b"", env=None, cwd=None):
 
     Under Wine the arguments go in UTF-8, which Wine's Japanese locale turns into Shift-JIS; the Linux program runs in
     the C locale, where the arguments are handed over as they are, so they go in Shift-JIS."""
-    environment = dict(os.environ)
+    environment = clean_environment()
     if under_wine():
         command = [options().wine, options().program] + list(args)
     else:
@@ -156,8 +158,38 @@ def read_shortcut(linux_path):
     return fields
 
 
+def clean_environment():
+    """The environment in which a test starts the program: the developer's own settings never reach it. No KELMARO_*
+    variable, a home folder of the tests' own, and under Wine the build's own prefix (the one wine-run would take)."""
+    environment = {k: v for k, v in os.environ.items() if not k.startswith("KELMARO_")}
+    environment["HOME"] = _home()
+    environment.pop("WINEPREFIX", None)
+    if under_wine():
+        environment["WINEPREFIX"] = _wine_prefix()
+    return environment
+
+
+_home_folder = None
+
+
+def _home():
+    global _home_folder
+    if _home_folder is None:
+        _home_folder = tempfile.mkdtemp(prefix="kelmaro_home_")
+        atexit.register(shutil.rmtree, _home_folder, True)
+    return _home_folder
+
+
+def _wine_prefix():
+    """The prefix below the build folder of the program, as cmake/wine-run finds it."""
+    folder = os.path.dirname(os.path.abspath(options().program))
+    while not os.path.exists(os.path.join(folder, "CMakeCache.txt")) and folder != os.path.dirname(folder):
+        folder = os.path.dirname(folder)
+    return os.path.join(folder, "wineprefix")
+
+
 def _tool_environment():
-    environment = dict(os.environ)
+    environment = clean_environment()
     if not under_wine():
         environment["LC_ALL"] = "C"
     return environment

@@ -92,13 +92,13 @@ class Rewrite(ShortcutTree):
             # Wine's IShellLinkA::SetPath stores a %NAME% target behind the current folder ("Z:\cwd\Z:\...\app.exe"),
             # so Wine cannot write this shortcut as Windows does; the Linux build, whose writer can, covers the case.
             self.skipTest("Wine writes %NAME% targets relative to the current folder")
-        os.environ["KELMARO_TEST_APPS"] = self.old
+        os.environ["TEST_APPS_FOLDER"] = self.old
         try:
-            path = self.link("env.lnk", target="%KELMARO_TEST_APPS%\\app.exe")
+            path = self.link("env.lnk", target="%TEST_APPS_FOLDER%\\app.exe")
             result = harness.run(["-fdr", harness.folder_argument(self.root), self.old, self.new],
-                                 env={"KELMARO_TEST_APPS": self.old})
+                                 env={"TEST_APPS_FOLDER": self.old})
         finally:
-            del os.environ["KELMARO_TEST_APPS"]
+            del os.environ["TEST_APPS_FOLDER"]
         self.assertOutput(result, "\n\n ---> - " + self.shown + "\\env.lnk", 1)
         self.assertEqual(harness.read_shortcut(path)["path"], self.new + "\\app.exe")
 
