@@ -1,10 +1,11 @@
-// The console's message box and the walker's stop state.
+// The console's message box, the reports' beep switch and the walker's stop state.
 #include "console/console_prompt.h"
 
 #include <cctype>
 
 namespace {
 
+int beepSwitch = 0;
 int stopFlag = 0;
 unsigned pauseFlag = 0;
 
@@ -45,6 +46,8 @@ int ConsolePrompt(HWND, const char *text, const char *caption, unsigned flags) {
   }
 }
 
+void SetBeepSwitch(int value) { beepSwitch = value; }
+int BeepSwitch(void) { return beepSwitch; }
 void SetStopFlag(int value) { stopFlag = value; }
 int IsStopRequested(void) { return stopFlag; }
 void SetPauseFlag(unsigned value) { pauseFlag = value; }

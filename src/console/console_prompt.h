@@ -1,4 +1,4 @@
-// The console's message box, and the process-wide stop and pause state of the walker.
+// The console's message box, the beep switch of the reports, and the process-wide stop and pause state of the walker.
 #pragma once
 
 #include "platform/winapi.h"
@@ -8,6 +8,10 @@
 // ignore (A, Y, I). Else bit 2: yes/no (Y, N). Else any key, result 1. At the end of input a question gets its
 // "no" or "cancel" answer (abort for the three-way one), so a script never hangs and never goes ahead.
 int ConsolePrompt(HWND window, const char *text, const char *caption, unsigned flags);
+
+// The beep switch: not 0 keeps the error reports silent; 0, the start value, lets each report sound its alert.
+void SetBeepSwitch(int value);
+int BeepSwitch(void);
 
 void SetStopFlag(int value);
 int IsStopRequested(void);

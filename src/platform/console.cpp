@@ -16,6 +16,7 @@ struct TestConsole {
   size_t inputPos = 0;
   std::string output;
   std::string errors;
+  std::vector<unsigned> beeps;
 };
 
 TestConsole &Captured() {
@@ -98,6 +99,14 @@ int KmMessageBoxA(HWND, LPCSTR text, LPCSTR caption, UINT) {
   return IDOK;
 }
 
+BOOL KmMessageBeep(UINT type) {
+  if (Captured().active)
+    Captured().beeps.push_back(type);
+  else
+    BackendBeep(type);
+  return TRUE;
+}
+
 void TestConsoleBegin(const std::string &input) {
   TestConsole &console = Captured();
   console = TestConsole();
@@ -106,4 +115,5 @@ void TestConsoleBegin(const std::string &input) {
 }
 
 std::string TestConsoleOutput(void) { return Captured().output; }
+std::vector<unsigned> TestConsoleBeeps(void) { return Captured().beeps; }
 void TestConsoleEnd(void) { Captured() = TestConsole(); }

@@ -8,3 +8,5 @@ void BackendFlush(void);
 char *BackendReadLine(char *buffer, int size);
 int BackendReadKey(void);
 void BackendWriteError(const char *text);
+// Sounds the alert of a message-box style.
+void BackendBeep(unsigned type);

@@ -72,7 +72,9 @@ typedef void *HGLOBAL;
 #define MB_YESNO 0x00000004u
 #define MB_RETRYCANCEL 0x00000005u
 #define MB_ICONHAND 0x00000010u
+#define MB_ICONQUESTION 0x00000020u
 #define MB_ICONEXCLAMATION 0x00000030u
+#define MB_ICONASTERISK 0x00000040u
 #define IDOK 1
 #define IDCANCEL 2
 #define IDABORT 3
@@ -111,6 +113,37 @@ int GetSystemMetrics(int index);
 #define INTERNET_CONNECTION_PROXY 0x04u
 // Connected (INTERNET_CONNECTION_LAN) when a network interface other than the loopback is up.
 BOOL InternetGetConnectedState(DWORD *flags, DWORD reserved);
+
+// System texts. FormatMessageA knows the errors that this backend leaves as its last error: a code that matches an
+// errno gets the C library's text for it (strerror_l in the locale that LC_ALL, LC_MESSAGES or LANG names, converted
+// to Shift-JIS), any other one a short text of the backend's own, in Japanese where that locale's language is "ja"
+// and in English otherwise. Each text ends in "\r\n", as Windows' do. Only FORMAT_MESSAGE_FROM_SYSTEM finds them
+// (FORMAT_MESSAGE_FROM_HMODULE alone finds nothing, as no module has a message table); an unknown code gives 0 with
+// ERROR_MR_MID_NOT_FOUND. With FORMAT_MESSAGE_ARGUMENT_ARRAY, "%1" to "%99" take the texts of `arguments`, read as
+// an array of string pointers; without it, or with FORMAT_MESSAGE_IGNORE_INSERTS, they stay as they stand. With
+// FORMAT_MESSAGE_ALLOCATE_BUFFER the text goes into memory that LocalFree frees, its address into *(char **)buffer;
+// otherwise into `buffer`, of `size` bytes, and a text that does not fit gives 0 with ERROR_INSUFFICIENT_BUFFER.
+// Result: the length of the text. errno is left as it was.
+typedef void *HLOCAL;
+#define FORMAT_MESSAGE_ALLOCATE_BUFFER 0x00000100u
+#define FORMAT_MESSAGE_IGNORE_INSERTS 0x00000200u
+#define FORMAT_MESSAGE_FROM_HMODULE 0x00000800u
+#define FORMAT_MESSAGE_FROM_SYSTEM 0x00001000u
+#define FORMAT_MESSAGE_ARGUMENT_ARRAY 0x00002000u
+#define ERROR_MOD_NOT_FOUND 126
+#define ERROR_MR_MID_NOT_FOUND 317
+#define ERROR_INTERNET_EXTENDED_ERROR 12003
+DWORD FormatMessageA(DWORD flags, LPCVOID source, DWORD messageId, DWORD languageId, LPSTR buffer, DWORD size,
+                     va_list *arguments);
+// Frees what FormatMessageA allocated; null does nothing. Result: null.
+HLOCAL LocalFree(HLOCAL memory);
+// No library is ever loaded on Linux: every name gives null with ERROR_MOD_NOT_FOUND. FreeLibrary accepts anything,
+// null included, and gives TRUE.
+HMODULE LoadLibraryA(LPCSTR name);
+BOOL FreeLibrary(HMODULE module);
+// No internet session has answered: the response's error is 0, its text empty (when `buffer` has room for the NUL;
+// *length becomes 0 in any case). Result: TRUE.
+BOOL InternetGetLastResponseInfoA(DWORD *error, LPSTR buffer, DWORD *length);
 
 #include "platform/posix/files/files.h"
 // Shell link objects (IShellLinkA, IPersistFile), COM creation, code page conversion, and the types they use.
@@ -154,6 +187,15 @@ int KmMessageBoxA(HWND owner, LPCSTR text, LPCSTR caption, UINT type);
 #undef MessageBoxA
 #endif
 #define MessageBoxA KmMessageBoxA
+
+// The alert of a message-box style (MB_OK, MB_ICONHAND, MB_ICONQUESTION, MB_ICONEXCLAMATION, MB_ICONASTERISK): on
+// Windows the system's MessageBeep, on Linux a BEL to standard error when that is a terminal, and nothing otherwise.
+// While a test has taken the console over, the style is recorded instead (TestConsoleBeeps). Result: TRUE.
+BOOL KmMessageBeep(UINT type);
+#ifdef MessageBeep
+#undef MessageBeep
+#endif
+#define MessageBeep KmMessageBeep
 
 #include "platform/char_case.h"
 

@@ -18,7 +18,9 @@ void ReleaseSystemErrorText(void);
 // and no) and a line to add below them (copied up to 519 bytes; null or empty for none). Both stay until the next call.
 void SetReportStyle(unsigned level, const char *line);
 // Tells the user about `name` (may be null; nameMode 1 shows its file name only) with `body` (may be null), titled
-// `title`, and waits for the answer. GetLastError and errno are as they were on entry. Result: the prompt's answer.
+// `title`, and waits for the answer, after the alert of the style unless the console's beep switch is set. The system's
+// text is that of the last error on entry. GetLastError and errno are as they were on entry. Result: the prompt's
+// answer.
 int ReportError(HWND owner, const char *name, const char *body, const char *title, int nameMode);
 // ReportError after reading the attributes of `name` (a failed read counts as 0x80), so that a read-only object
 // gets the read-only remark.

@@ -26,7 +26,7 @@ int StripDotPrefix(char *text);
 char *EnsureTrailingBackslash(char *path);
 // Deletes a trailing real separator, except from a drive or UNC root. Result: whether one was deleted (also kept in
 // the flag that BackslashWasTrimmedFlag reads).
-// Its caller, and the flag's reader, come with the error reporter.
+// Nothing calls it yet; the error reporter reads and clears the flag.
 int TrimFolderBackslash(char *path);
 int BackslashWasTrimmedFlag(void);
 void ClearBackslashWasTrimmed(void);

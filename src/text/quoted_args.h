@@ -32,7 +32,7 @@ void BackslashToSlash(char *s);
 char *FindLast(char *text, const char *pattern);
 // Cuts trailing white space, stopping at a double-byte character. Result: the number of bytes cut.
 int TrimTrailingSpace(char *s);
-// 1 for a line feed or carriage return, else 0. Its caller comes with the error reporter.
+// 1 for a line feed or carriage return, else 0.
 int IsLineEnd(int c);
 // The number of backslashes of a path (a doubled one counts once); for a UNC path its complement: "C:\a\b" gives 2,
 // "\\srv\share" gives -3. Null gives 0.
@@ -43,7 +43,6 @@ int DriveIndexOf(int letter);
 // The first "%s" at a character boundary, or null. Nothing calls it yet.
 char *FindFormatMark(const char *s);
 // Cuts a string of two or more bytes at the first occurrence of `marker`.
-// Its caller comes with the error reporter.
 void CutAtMarker(char *s, const char *marker);
 // Removes from a null-terminated array of strings every entry that equals an earlier one, keeping order. Result: the
 // number that remain.

@@ -36,5 +36,4 @@ char *SecondSlotText(void);
 int LoadStringPairTo(StringBlockPair *record, HMODULE module, UINT firstId, UINT secondId, char **firstOut,
                      char **secondOut);
 // Unlocks (where a pointer is kept) and frees each block of the pair, and zeroes its handle. Null does nothing.
-// Its caller comes with the error reporter.
 void ReleaseStringBlockPair(StringBlockPair *record);

@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "platform/testing.h"
 #include "reports/last_error.h"
 #include "support/executable_images.h"
 #include "support/scratch_folder.h"
@@ -87,10 +88,13 @@ TEST(FileOperations, DeleteAndRemove) {
   EXPECT_EQ(DeleteFilePath(quoted.bytes), 0);
   EXPECT_EQ(GetFileAttributesA(file.c_str()), INVALID_FILE_ATTRIBUTES);
   EXPECT_EQ(quoted.Text(), "\"" + file + "\"");
-  // A refused delete fails with the error of the refusal.
+  // A refused delete fails with the error of the refusal, after the notice about administrator rights.
   PathBuffer kept(scratch.MakeFile("kept.txt"));
   ASSERT_TRUE(SetFileAttributesA(kept.bytes, FILE_ATTRIBUTE_READONLY));
+  TestConsoleBegin("");
   EXPECT_EQ(DeleteFilePath(kept.bytes), 1);
+  EXPECT_EQ(TestConsoleOutput().rfind("権限の確認:消去: kept.txt\n", 0), 0u) << TestConsoleOutput();
+  TestConsoleEnd();
   EXPECT_EQ(GetKeptLastError(), static_cast<DWORD>(ERROR_ACCESS_DENIED));
   EXPECT_EQ(GetRunTimeError(), 13);
   EXPECT_NE(GetFileAttributesA(kept.bytes), INVALID_FILE_ATTRIBUTES);

@@ -1,5 +1,5 @@
 // The console backend of Linux: standard streams, with Shift-JIS converted to the locale's charset on the way out and
-// back on the way in, and one key read from the terminal in raw mode without echo.
+// back on the way in, one key read from the terminal in raw mode without echo, and the alert.
 #include <termios.h>
 #include <unistd.h>
 
@@ -66,5 +66,13 @@ int BackendReadKey(void) {
 void BackendWriteError(const char *text) {
   std::string out = Cp932ToLocale(text);
   fwrite(out.data(), 1, out.size(), stderr);
+  fflush(stderr);
+}
+
+// A terminal has one sound for every style. Into a file or a pipe a BEL would only be a stray byte, so nothing goes
+// there.
+void BackendBeep(unsigned) {
+  if (!isatty(STDERR_FILENO)) return;
+  fputc('\a', stderr);
   fflush(stderr);
 }

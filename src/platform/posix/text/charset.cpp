@@ -94,6 +94,16 @@ bool IsAscii(const std::string &text) {
   return true;
 }
 
+// Charsets whose texts the program takes as they are: no charset named, ASCII (the C locale), or Shift-JIS itself.
+bool PassesUnchanged(const char *charset) {
+  if (charset == nullptr || *charset == 0) return true;
+  static const char *const kPassThrough[] = {"ANSI_X3.4-1968", "ASCII", "US-ASCII",    "SHIFT_JIS",
+                                             "SJIS",           "CP932", "WINDOWS-31J", "MS_KANJI"};
+  for (const char *name : kPassThrough)
+    if (strcasecmp(charset, name) == 0) return true;
+  return false;
+}
+
 }  // namespace
 
 std::string Cp932ToUtf8(const std::string &text) { return IsAscii(text) ? text : Convert(text, "CP932", "UTF-8"); }
@@ -114,15 +124,15 @@ void ChooseLocaleCharset(void) {
   setlocale(LC_ALL, "");
   const char *codeset = nl_langinfo(CODESET);
   LocaleCharset().clear();
-  if (codeset == nullptr || *codeset == 0) return;
   // The C locale reports ASCII: bytes pass unchanged, which is what a script that compares Shift-JIS output wants.
-  static const char *const kPassThrough[] = {"ANSI_X3.4-1968", "ASCII", "US-ASCII",    "SHIFT_JIS",
-                                             "SJIS",           "CP932", "WINDOWS-31J", "MS_KANJI"};
-  for (const char *name : kPassThrough)
-    if (strcasecmp(codeset, name) == 0) return;
+  if (PassesUnchanged(codeset)) return;
   LocaleCharset() = codeset;
   // Numbers and sorting stay those of the C locale inside the program.
   setlocale(LC_NUMERIC, "C");
   setlocale(LC_COLLATE, "C");
   setlocale(LC_CTYPE, "C");
+}
+
+std::string CharsetToCp932(const std::string &text, const char *charset) {
+  return PassesUnchanged(charset) || IsAscii(text) ? text : Convert(text, charset, "CP932");
 }

@@ -17,3 +17,5 @@ std::string Utf8NameToCp932(const std::string &text);
 std::string Cp932ToLocale(const std::string &text);
 std::string LocaleToCp932(const std::string &text);
 void ChooseLocaleCharset(void);
+// From a charset named as nl_langinfo(CODESET) names it (the C locale's ASCII and Shift-JIS itself pass unchanged).
+std::string CharsetToCp932(const std::string &text, const char *charset);

@@ -22,3 +22,7 @@ void BackendWriteError(const char *text) {
   fputs(text, stderr);
   fflush(stderr);
 }
+
+// winapi.h names the program's alert KmMessageBeep; beneath it is the system's own.
+#undef MessageBeep
+void BackendBeep(unsigned type) { MessageBeep(type); }
