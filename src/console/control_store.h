@@ -52,6 +52,6 @@ int SelectedRowAt(int index);
 int ShowMessageById(HWND window, unsigned textId, unsigned captionId, unsigned flags);
 // Sets a control's text: there is no control on a console. Result 0.
 int SetControlTextStub(HWND window, unsigned id, const char *text);
-// The parent window for messages: `window`, else the main window (none here), else the desktop.
-// Its caller comes with the error reporter.
+// The parent window for messages: `window`, else the main window (none here), else the desktop. Nothing calls it
+// yet: the console's prompts take their owner as given and show no window.
 HWND OwnerWindow(HWND window);

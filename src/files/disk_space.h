@@ -23,7 +23,6 @@ struct DiskSpaceRecordEx {
 // be null. Both records are cleared first; a network place above share level has no disk and gives 0 with both clear.
 // When only one record is given and the extended query answers, nothing is filled in (see the body). Result: 0 when a
 // query succeeded, 1 when none did.
-// Its caller comes with the folder checks.
 int GetDiskSpace(char *path, DiskSpaceRecord *record, DiskSpaceRecordEx *recordEx);
 
 // Bytes per sector and sectors per cluster of `record` for file system kind `kind` (0 FAT, 1 FAT32, 2 NTFS, 3 CDFS) on

@@ -27,7 +27,6 @@ int GetDriveFolderOf(char *buffer, DWORD size);
 // Completes *path in place (a 520-byte buffer) when it holds no backslash: it is read as a bare drive name ("D:") and
 // replaced by that drive's current folder, with a backslash added to a two-byte result. Result: 0, or the run-time
 // error number of the failure (13 when that number was 0).
-// Its caller comes with the folder checks.
 int CompleteDrivePath(char **path);
 // Makes drive `letter` current (SetCurrentDirectoryA on "X:"). Result: 1 on success and for the backslash (the
 // network, which has no drive to change to); -1 on failure. Nothing calls it yet.

@@ -49,7 +49,7 @@ char *HasExtension(const char *path);
 // Cuts the path to its folder ("C:\a\b" to "C:\a", "C:\a" to "C:\", "C:a" to "C:"). Null when there is none.
 char *FolderPart(char *path);
 // Cuts at the last separator (behind it for a root separator); `saved` receives the byte overwritten. Result: the
-// position of the cut, or null. RestoreCutByte puts the byte back. Nothing calls it yet.
+// position of the cut, or null. RestoreCutByte puts the byte back.
 char *CutAtLastSeparator(char *path, int *saved);
 void RestoreCutByte(char *position, int byte);
 // The one path combiner. Result: the length of the joined path; 0 when `file` is absolute (it then replaces `dest`

@@ -28,7 +28,6 @@ void SlashToBackslash(char *s);
 void BackslashToSlash(char *s);
 // The last occurrence of `pattern` in `text` at a character boundary, or null (also for an empty pattern). `text` is
 // cut and restored while it is searched, so it must be writable; it is left as it was.
-// Its caller comes with the folder checks.
 char *FindLast(char *text, const char *pattern);
 // Cuts trailing white space, stopping at a double-byte character. Result: the number of bytes cut.
 int TrimTrailingSpace(char *s);
