@@ -80,7 +80,7 @@ void KeepInternetResponse(HGLOBAL *scratchHandle, char **scratch, DWORD granted)
 int FetchSystemText(const char *name, DWORD code) {
   if (code == 0) return 0;
   char nameCopy[kPathSize];
-  const char *arguments[1] = {nullptr};
+  char *arguments[1] = {nullptr};
   if (name != nullptr && *name != 0) {
     CopyText(nameCopy, name);
     arguments[0] = SplitFileName(nullptr, nameCopy);
