@@ -271,16 +271,28 @@ TEST_F(ResultText, TheEndOfARunTouchesNoReportFile) {
   scratch_.MakeFile("temp\\_rplcsc_.txt", "report");
   ASSERT_TRUE(SetCurrentDirectoryA(work.c_str()));
 #ifdef _WIN32
+  // The scratch folders of the later tests are made in the temporary folder: it is put back below.
+  char savedTmp[MAX_PATH] = "", savedTemp[MAX_PATH] = "";
+  DWORD haveTmp = GetEnvironmentVariableA("TMP", savedTmp, sizeof savedTmp);
+  DWORD haveTemp = GetEnvironmentVariableA("TEMP", savedTemp, sizeof savedTemp);
   SetEnvironmentVariableA("TMP", temp.c_str());
   SetEnvironmentVariableA("TEMP", temp.c_str());
 #else
+  const char *oldTmpDir = std::getenv("TMPDIR");
+  std::string savedTmpDir = oldTmpDir != nullptr ? oldTmpDir : "";
   setenv("TMPDIR", scratch_.LinuxPath().append("/temp").c_str(), 1);
 #endif
   Add("row", nullptr, nullptr);
   ClearControlStore();  // no old string: the pass ends at once, and the run winds down
   RunReplacement(nullptr, 0);
-#ifndef _WIN32
-  unsetenv("TMPDIR");
+#ifdef _WIN32
+  SetEnvironmentVariableA("TMP", haveTmp != 0 ? savedTmp : nullptr);
+  SetEnvironmentVariableA("TEMP", haveTemp != 0 ? savedTemp : nullptr);
+#else
+  if (oldTmpDir != nullptr)
+    setenv("TMPDIR", savedTmpDir.c_str(), 1);
+  else
+    unsetenv("TMPDIR");
 #endif
   EXPECT_NE(GetFileAttributesA((scratch_ / "work\\_rplcsc_.txt").c_str()), INVALID_FILE_ATTRIBUTES);
   EXPECT_NE(GetFileAttributesA((scratch_ / "temp\\_rplcsc_.txt").c_str()), INVALID_FILE_ATTRIBUTES);
