@@ -61,6 +61,7 @@ int ReportFieldReplace(HWND window, char *field, unsigned stringId, unsigned fla
       SetKeptLastError(0);
       AddResultEntry(window, nullptr, nullptr, nullptr, 0, 0);
       WriteSimulationHead(window, flags);
+      SetKeptLastError(0);
       AddResultEntry(window, nullptr, KeptText(1), nullptr, 0, 0);
     }
     LoadStrings(stringId, stringId);
@@ -140,6 +141,7 @@ unsigned ProcessShortcut(HWND window, const char *path, unsigned flags, const ch
           if (row.id == 0) continue;
           LoadStrings(row.id, row.id);
           std::snprintf(resultLine, sizeof resultLine, "%s (%s) ", FirstSlotText(), "Not Applicable");
+          SetKeptLastError(0);
           AddResultEntry(window, resultLine, row.text, nullptr, 0, 0);
         }
         // A failed write shows nowhere: the rows say the shortcut was changed in any case.

@@ -49,7 +49,6 @@ int SearchForFile(char *name, char *out, DWORD outSize);
 int DeleteFilePath(char *path);
 // Deletes the file if there is one. Result: 0 when deleted or when nothing is there (also a place of the network view);
 // 1 for a null or empty path (both errors then 0) or a failed delete.
-// Its caller comes with the result text's report file.
 int DeleteIfPresent(char *path);
 // MoveFileA. Result: 0 on success, 1 on failure; 0 at once when either path is a place of the network view.
 // The walker's move mode would call it; it has no destination in this tool, so nothing calls it yet.

@@ -83,6 +83,8 @@ unsigned ReplaceFromControls(unsigned mode) {
 int RunReplacement(HWND, unsigned reserved) {
   reservedWord = reserved;
   ReplaceFromControls(kRealRun);
+  // The dialog enables its results button (3035) when the pass left a text; a console has no button to enable.
+  LockResultText();
   ReleaseProgramTexts();
   ReleaseDriveTable();
   ReleaseSavedBlocks();

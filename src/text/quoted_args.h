@@ -46,8 +46,8 @@ void CutAtMarker(char *s, const char *marker);
 // Removes from a null-terminated array of strings every entry that equals an earlier one, keeping order. Result: the
 // number that remain.
 int RemoveDuplicates(char **list);
-// Five letters for an attribute value, "ARHS-" style, without terminator; a negative value writes nothing.
-// Its caller comes with the result text.
+// Five letters for an attribute value, "ARHS-" style, without terminator; a negative value writes nothing. Nothing
+// calls it yet.
 void AttributeLetters(long attributes, char *field);
 // Replaces each byte that isprint refuses and the allowed list does not hold. Result 1 for a non-empty string with no
 // bad byte. No caller sets an allowed list, and without one no byte is bad, so nothing is replaced.
