@@ -7,7 +7,6 @@
 #include <cstring>
 
 #include "files/error_numbers.h"
-#include "files/folder_checks.h"
 #include "files/path_views.h"
 #include "files/program_files.h"
 #include "machine/drive_inventory.h"

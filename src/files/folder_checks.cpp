@@ -15,7 +15,6 @@
 #include "reports/error_reporter.h"
 #include "reports/last_error.h"
 #include "reports/plain_message.h"
-#include "reports/result_text.h"
 #include "resources/message_ids.h"
 #include "text/memory_blocks.h"
 #include "text/myjctype.h"
@@ -251,11 +250,6 @@ void ReportRuleFault(const char *name, int fault, HWND owner) {
   if (id == 0) return;
   SetReportStyle(MB_ICONEXCLAMATION, nullptr);
   ReportErrorById(owner, fault == kFaultEmptyPath ? " " : name, id, kMsgBadFolderNameTitle, 0);
-}
-
-int ReportPathFault(HWND owner, const char *name, int fault, int count, int style) {
-  if (fault & 16) return 0;
-  return ReportFolderFault(owner, name, fault, count, style);
 }
 
 int CheckNameLength(int report, const char *name, HWND owner) {

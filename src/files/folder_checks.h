@@ -47,8 +47,6 @@ void ReportNameFault(HWND owner, const char *name, int fault, int character, int
 UINT PathFaultMessageId(int fault);
 // Reports a path fault through its message (nothing for a fault without one); an empty path is shown as a blank.
 void ReportRuleFault(const char *name, int fault, HWND owner);
-// The folder or file fault message of the file services, for faults without bit 16; those are dropped (0).
-int ReportPathFault(HWND owner, const char *name, int fault, int count, int style);
 // The characters and the length of one name: 0, the character fault, or a length fault (kFaultFolderPartTooLong while
 // a path is checked part by part, else kFaultNameTooLong).
 int CheckNameLength(int report, const char *name, HWND owner);

@@ -5,7 +5,7 @@
 
 #include "files/error_numbers.h"
 #include "files/file_operations.h"
-#include "files/folder_checks.h"
+#include "files/path_faults.h"
 #include "files/path_views.h"
 #include "machine/network_paths.h"
 #include "reports/error_reporter.h"
