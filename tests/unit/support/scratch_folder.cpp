@@ -77,6 +77,11 @@ std::string ScratchFolder::MakeFolder(const std::string &name) const {
 }
 
 void ScratchFolder::MakeFileNamedInUtf8(const std::string &utf8Name) const {
+  // Without a folder the name alone would land in the working folder of the test run.
+  if (native_.empty()) {
+    ADD_FAILURE() << "no scratch folder for " << utf8Name;
+    return;
+  }
   std::ofstream file(native_ / fs::u8path(utf8Name));
   EXPECT_TRUE(file.is_open()) << utf8Name;
 }
