@@ -146,6 +146,8 @@ BOOL FreeLibrary(HMODULE module);
 BOOL InternetGetLastResponseInfoA(DWORD *error, LPSTR buffer, DWORD *length);
 
 #include "platform/posix/files/files.h"
+// The registry, read from a registry file or a Wine prefix.
+#include "platform/posix/machine/registry.h"
 // Shell link objects (IShellLinkA, IPersistFile), COM creation, code page conversion, and the types they use.
 #include "platform/posix/shell/shell_link.h"
 // SHGetFileInfoA for a program type and an icon location.

@@ -234,6 +234,15 @@ BOOL GetDiskFreeSpaceA(LPCSTR rootPathName, LPDWORD sectorsPerCluster, LPDWORD b
 BOOL GetDiskFreeSpaceExA(LPCSTR directoryName, PULARGE_INTEGER freeBytesAvailableToCaller,
                          PULARGE_INTEGER totalNumberOfBytes, PULARGE_INTEGER totalNumberOfFreeBytes);
 
+// ---- Private profile files ----------------------------------------------------------------------------------------
+// One key of a section of an ".ini" file, named as the program names paths; sections and keys match without case.
+// A null `keyName` lists the section's keys, a null `appName` the file's sections: each name ends in a 0 and the
+// list in a second one. A missing file, section or key gives `defaultText` (null: empty) without its trailing blanks.
+// A text that does not fit is cut: the result is then size - 1 (size - 2 for a list). Result: the length copied,
+// without the terminator.
+DWORD GetPrivateProfileStringA(LPCSTR appName, LPCSTR keyName, LPCSTR defaultText, LPSTR returned, DWORD size,
+                               LPCSTR fileName);
+
 // ---- Times and the environment -------------------------------------------------------------------------------------
 // A UTC file time in local time, by the time zone's bias of this moment (as Windows does).
 BOOL FileTimeToLocalFileTime(const FILETIME *fileTime, LPFILETIME localFileTime);
