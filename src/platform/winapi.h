@@ -232,9 +232,10 @@ void ConsoleWriteError(const char *text);
 // arguments, converted in place to Shift-JIS (an argument that is an existing absolute Linux folder is given in drive
 // form); on Windows nothing.
 void PlatformStartup(int *argc, char ***argv);
-// The search folder as the program takes it from its command line: on Linux an existing folder named relative to the
-// current folder the Linux way ("links", "../links") comes back in drive form, as an absolute one does at start-up;
-// anything else, and everything on Windows, comes back as it is. The result stays valid until the next call.
+// The search folder as the program takes it from its command line, a typed line or the saved settings: on Linux an
+// existing folder named the Linux way, absolute or relative to the current folder ("/srv/links", "links",
+// "../links"), comes back in drive form, as an absolute one of the command line does at start-up; anything else, and
+// everything on Windows, comes back as it is. The result stays valid until the next call.
 const char *PlatformFolderArgument(const char *text);
 
 #include "platform/text_support.h"

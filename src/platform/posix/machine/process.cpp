@@ -14,13 +14,17 @@ namespace {
 
 DWORD lastError = 0;
 
-// `relative` joined to the current folder, with "." and ".." parts taken away by the text alone, so that a folder
-// reached through a symbolic link keeps the name it was given. Empty when the current folder cannot be had.
-std::string AbsoluteLinuxPath(const std::string &relative) {
-  char cwd[PATH_MAX];
-  if (getcwd(cwd, sizeof cwd) == nullptr) return std::string();
+// `name` (joined to the current folder when it is relative) with "." and ".." parts taken away by the text alone, so
+// that a folder reached through a symbolic link keeps the name it was given. Empty when the current folder cannot be
+// had.
+std::string AbsoluteLinuxPath(const std::string &name) {
+  std::string whole = name;
+  if (name[0] != '/') {
+    char cwd[PATH_MAX];
+    if (getcwd(cwd, sizeof cwd) == nullptr) return std::string();
+    whole = std::string(cwd) + "/" + name;
+  }
   std::vector<std::string> parts;
-  std::string whole = std::string(cwd) + "/" + relative;
   size_t start = 0;
   while (start <= whole.size()) {
     size_t slash = whole.find('/', start);
@@ -78,8 +82,9 @@ const char *PlatformFolderArgument(const char *text) {
   if (text == nullptr || *text == 0) return text;
   // The name as the command line gave it, which is also its spelling on disk.
   std::string name = Cp932ToLocale(text);
-  // An absolute folder was converted at start-up; a backslash or a drive colon makes it a Windows path.
-  if (name[0] == '/' || name.find('\\') != std::string::npos || name.find(':') != std::string::npos) return text;
+  // A backslash or a drive colon makes it a Windows path. An absolute folder of the command line was converted at
+  // start-up already; one that reaches here came from the saved settings or a typed line.
+  if (name.find('\\') != std::string::npos || name.find(':') != std::string::npos) return text;
   struct stat info;
   if (stat(name.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) return text;
   std::string drivePath;
