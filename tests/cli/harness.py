@@ -165,8 +165,42 @@ def clean_environment():
     environment["HOME"] = _home()
     environment.pop("WINEPREFIX", None)
     if under_wine():
-        environment["WINEPREFIX"] = _wine_prefix()
+        environment["WINEPREFIX"] = _own_wine_prefix or _wine_prefix()
     return environment
+
+
+_own_wine_prefix = None
+
+
+class OwnWinePrefix:
+    """A Wine prefix of a test's own, made at the start and removed at the end, for tests that write the registry:
+    the build's shared prefix serves suites that run beside them and must find nothing saved. While it stands, every
+    run under Wine uses it."""
+
+    def __enter__(self):
+        global _own_wine_prefix
+        self._folder = tempfile.mkdtemp(prefix="kelmaro_wine_")
+        _own_wine_prefix = os.path.join(self._folder, "prefix")
+        completed = wine_command(["wineboot", "--init"])
+        if completed.returncode == 77:
+            raise unittest.SkipTest("Wine is not installed")
+        return self
+
+    def __exit__(self, *exc):
+        global _own_wine_prefix
+        server = shutil.which("wineserver") or "/usr/lib/wine/wineserver"
+        if os.path.exists(server):
+            subprocess.run([server, "-k"], env=clean_environment(), stdout=subprocess.DEVNULL,
+                           stderr=subprocess.DEVNULL, timeout=60)
+        _own_wine_prefix = None
+        shutil.rmtree(self._folder, True)
+        return False
+
+
+def wine_command(args):
+    """Runs a Windows command (reg, wineboot, ...) under Wine in the prefix that the program's runs use."""
+    return subprocess.run([options().wine] + list(args), stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                          env=clean_environment(), timeout=300)
 
 
 _home_folder = None
