@@ -3,10 +3,11 @@
 // paths, the search path, drives and volumes, file times, and the environment. platform/winapi.h includes this header
 // on Linux; the engine never includes it itself.
 //
-// Drives come from the drive table (KELMARO_DRIVES; Z: is "/" unless set otherwise). Names are matched without case,
-// as Windows matches them; listings come in NTFS order. Each operation sets the last error as Windows does for the
-// same input; where this backend answers differently from Windows, the comment at the operation says so. Paths obey
-// Windows' rules (see path_resolver.h), with these Linux facts showing through:
+// Drives come from the drive table (see drive_table.h): from KELMARO_DRIVES when it is set (Z: is "/" unless it says
+// otherwise), else from the links of a Wine prefix's dosdevices folder (WINEPREFIX, else ~/.wine), else Z: alone as
+// "/". Names are matched without case, as Windows matches them; listings come in NTFS order. Each operation sets the
+// last error as Windows does for the same input; where this backend answers differently from Windows, the comment at
+// the operation says so. Paths obey Windows' rules (see path_resolver.h), with these Linux facts showing through:
 // - A symbolic link shows as Windows shows its own: FILE_ATTRIBUTE_REPARSE_POINT beside the attributes of its target,
 //   so a link to a folder is a folder, as a junction is; a link to nothing, or a loop of links, is a file. A path
 //   through more than 40 links fails with ERROR_CANT_RESOLVE_FILENAME, as Windows fails beyond 63 reparse points.
