@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <string>
@@ -44,8 +45,7 @@ bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r') || c == '\x1A
 std::string Trimmed(const std::string &text, size_t start, size_t stop) {
   while (start < stop && IsBlank(text[start])) ++start;
   while (stop > start && IsBlank(text[stop - 1])) --stop;
-  size_t zero = text.find('\0', start);
-  if (zero < stop) stop = zero;
+  stop = static_cast<size_t>(std::find(text.begin() + start, text.begin() + stop, '\0') - text.begin());
   return text.substr(start, stop - start);
 }
 
@@ -104,8 +104,9 @@ std::vector<ProfileSection> ParseProfile(const std::string &text) {
         continue;
       }
     }
-    size_t equals = text.find('=', start);
-    if (sections.empty() || equals >= stop) continue;
+    // Searched within the line only: a search to the end of the text for each line would make a long file slow.
+    size_t equals = static_cast<size_t>(std::find(text.begin() + start, text.begin() + stop, '=') - text.begin());
+    if (sections.empty() || equals == stop) continue;
     sections.back().keys.push_back({Trimmed(text, start, equals), Trimmed(text, equals + 1, stop)});
   }
   return sections;
