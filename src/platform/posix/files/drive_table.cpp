@@ -1,8 +1,16 @@
 // The drive table of the Linux backend.
 #include "platform/posix/files/drive_table.h"
 
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
 #include <cctype>
+#include <climits>
 #include <cstdlib>
+#include <filesystem>
+#include <vector>
 
 #include "platform/posix/text/charset.h"
 
@@ -24,23 +32,66 @@ std::string NormalisedRoot(std::string root) {
   return root;
 }
 
-void Load() {
-  DriveTable &table = Table();
-  for (std::string &root : table.roots) root.clear();
+// The items of KELMARO_DRIVES ("L=/folder", separated by ";"); Z: is "/" unless an item says otherwise. An item that
+// is not of that form is passed over.
+void LoadFromVariable(DriveTable &table, const std::string &text) {
   table.roots['Z' - 'A'] = "/";
-  const char *drives = std::getenv("KELMARO_DRIVES");
-  std::string text = drives ? drives : "";
   size_t start = 0;
   while (start <= text.size()) {
     size_t end = text.find(';', start);
     if (end == std::string::npos) end = text.size();
     std::string item = text.substr(start, end - start);
-    // An item is "L=/folder"; one that is not of that form is passed over.
     if (item.size() >= 3 && std::isalpha(static_cast<unsigned char>(item[0])) && item[1] == '=' && item[2] == '/') {
       int index = std::toupper(static_cast<unsigned char>(item[0])) - 'A';
       table.roots[index] = NormalisedRoot(item.substr(2));
     }
     start = end + 1;
+  }
+}
+
+// Where a link in the dosdevices folder leads, as an absolute path: a relative target ("../drive_c") is taken from the
+// dosdevices folder. Where the target is there, its real path, the form in which getcwd and /proc/self/exe give the
+// paths on the drive (the current folder is found by its root); where it is not, the path made plain in the text
+// ("." and ".." resolved): the drive keeps its letter and stands for the folder that the link names, and its paths
+// fail as those of a drive whose folder is missing, until the folder comes.
+std::string LinkTarget(const std::string &dosDevices, const std::string &target) {
+  std::string absolute = target[0] == '/' ? target : dosDevices + "/" + target;
+  char real[PATH_MAX];
+  if (realpath(absolute.c_str(), real) != nullptr) return NormalisedRoot(real);
+  return NormalisedRoot(std::filesystem::path(absolute).lexically_normal().string());
+}
+
+// The drives of a Wine prefix: each symbolic link in its dosdevices folder named by a letter and a colon ("c:", any
+// case) is that drive. Other entries ("c::", which stands for the raw device, and anything that is not a link) are
+// passed over. Where "c:" and "C:" are both there, Wine's own spelling, "c:", wins.
+void LoadFromPrefix(DriveTable &table, const std::string &dosDevices) {
+  DIR *folder = opendir(dosDevices.c_str());
+  if (folder == nullptr) return;
+  std::vector<std::string> names;
+  while (struct dirent *entry = readdir(folder)) names.push_back(entry->d_name);
+  closedir(folder);
+  std::sort(names.begin(), names.end());  // upper case first, so that lower case comes later and stays
+  for (const std::string &name : names) {
+    if (name.size() != 2 || name[1] != ':' || !std::isalpha(static_cast<unsigned char>(name[0]))) continue;
+    std::string link = dosDevices + "/" + name;
+    std::vector<char> target(PATH_MAX);
+    ssize_t length = readlink(link.c_str(), target.data(), target.size());
+    if (length <= 0 || static_cast<size_t>(length) >= target.size()) continue;  // not a link, or no target
+    int index = std::toupper(static_cast<unsigned char>(name[0])) - 'A';
+    table.roots[index] = LinkTarget(dosDevices, std::string(target.data(), static_cast<size_t>(length)));
+  }
+}
+
+void Load() {
+  DriveTable &table = Table();
+  for (std::string &root : table.roots) root.clear();
+  std::string dosDevices;
+  if (const char *drives = std::getenv("KELMARO_DRIVES")) {
+    LoadFromVariable(table, drives);
+  } else if (WineDosDevices(&dosDevices)) {
+    LoadFromPrefix(table, dosDevices);
+  } else {
+    table.roots['Z' - 'A'] = "/";
   }
   table.loaded = true;
 }
@@ -48,6 +99,25 @@ void Load() {
 }  // namespace
 
 void ReloadDriveTable(void) { Load(); }
+
+bool WineDosDevices(std::string *dosDevices) {
+  const char *prefix = std::getenv("WINEPREFIX");
+  std::string folder;
+  if (prefix != nullptr && *prefix != 0) {
+    folder = prefix;
+  } else {
+    const char *home = std::getenv("HOME");
+    if (home == nullptr || *home == 0) return false;
+    folder = std::string(home) + "/.wine";
+  }
+  folder += "/dosdevices";
+  struct stat info;
+  char real[PATH_MAX];
+  if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode) || realpath(folder.c_str(), real) == nullptr)
+    return false;
+  *dosDevices = real;
+  return true;
+}
 
 std::string DriveRoot(char letter) {
   if (!Table().loaded) Load();

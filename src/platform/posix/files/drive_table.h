@@ -1,5 +1,8 @@
-// The drive letters of the Linux backend: a table from KELMARO_DRIVES ("C=/srv/win/c;D=/mnt/d"), in which Z: is "/"
-// unless the variable says otherwise. Private to the Linux backend.
+// The drive letters of the Linux backend, in this order: from KELMARO_DRIVES ("C=/srv/win/c;D=/mnt/d") when it is
+// set, even empty, and then Z: is "/" unless the variable says otherwise; else from the Wine prefix that WINEPREFIX
+// names, or ~/.wine, when it has a dosdevices folder: each link there named "x:" is drive X, mapped to the real path
+// of the link's target (a link to nothing still maps its letter, to the path it names), and Z: is "/" only if the
+// prefix says so, as it does by default; else Z: alone, as "/". Private to the Linux backend.
 #pragma once
 
 #include <string>
@@ -13,5 +16,8 @@ bool LinuxPathToDrivePath(const std::string &linuxPath, std::string *drivePath);
 // components converted to UTF-8 and joined by "/". Names are taken as written; no case-blind look is made here.
 // Result: false for a path that is not absolute on a mapped drive.
 bool DrivePathToLinuxPath(const std::string &drivePath, std::string *linuxPath);
-// Reads the table anew from the environment (tests change the variable between cases).
+// Reads the table anew from the environment (tests change KELMARO_DRIVES, WINEPREFIX and HOME between cases).
 void ReloadDriveTable(void);
+// The dosdevices folder of the Wine prefix that WINEPREFIX names (unset or empty: HOME's ".wine"), as its real path.
+// Result: false when there is no such folder, so no prefix to take drives from.
+bool WineDosDevices(std::string *dosDevices);

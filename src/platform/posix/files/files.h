@@ -3,10 +3,11 @@
 // paths, the search path, drives and volumes, file times, and the environment. platform/winapi.h includes this header
 // on Linux; the engine never includes it itself.
 //
-// Drives come from the drive table (KELMARO_DRIVES; Z: is "/" unless set otherwise). Names are matched without case,
-// as Windows matches them; listings come in NTFS order. Each operation sets the last error as Windows does for the
-// same input; where this backend answers differently from Windows, the comment at the operation says so. Paths obey
-// Windows' rules (see path_resolver.h), with these Linux facts showing through:
+// Drives come from the drive table (see drive_table.h): from KELMARO_DRIVES when it is set (Z: is "/" unless it says
+// otherwise), else from the links of a Wine prefix's dosdevices folder (WINEPREFIX, else ~/.wine), else Z: alone as
+// "/". Names are matched without case, as Windows matches them; listings come in NTFS order. Each operation sets the
+// last error as Windows does for the same input; where this backend answers differently from Windows, the comment at
+// the operation says so. Paths obey Windows' rules (see path_resolver.h), with these Linux facts showing through:
 // - A symbolic link shows as Windows shows its own: FILE_ATTRIBUTE_REPARSE_POINT beside the attributes of its target,
 //   so a link to a folder is a folder, as a junction is; a link to nothing, or a loop of links, is a file. A path
 //   through more than 40 links fails with ERROR_CANT_RESOLVE_FILENAME, as Windows fails beyond 63 reparse points.
@@ -235,11 +236,22 @@ BOOL GetDiskFreeSpaceExA(LPCSTR directoryName, PULARGE_INTEGER freeBytesAvailabl
                          PULARGE_INTEGER totalNumberOfBytes, PULARGE_INTEGER totalNumberOfFreeBytes);
 
 // ---- Private profile files ----------------------------------------------------------------------------------------
-// One key of a section of an ".ini" file, named as the program names paths; sections and keys match without case.
-// A null `keyName` lists the section's keys, a null `appName` the file's sections: each name ends in a 0 and the
-// list in a second one. A missing file, section or key gives `defaultText` (null: empty) without its trailing blanks.
-// A text that does not fit is cut: the result is then size - 1 (size - 2 for a list). Result: the length copied,
-// without the terminator.
+// One key of a section of an ".ini" file, named as the program names paths; a name without a folder ("x.ini") is
+// looked for in the Windows folder (see GetWindowsDirectoryA; without one there is no such file), a null name is
+// "win.ini" there. The registry's IniFileMapping, which Windows looks at first, is empty here. Sections ("[name]") and
+// keys ("name=value") match with ASCII letters without case, and only the first section of a name counts; blanks
+// around names and values are trimmed, and a value in a pair of the same quotes (" or ') loses them. Lines starting
+// with ";", lines without "=" and lines before the first section are no keys. A null `keyName` lists the section's
+// keys, a null `appName` the file's sections: each name ends in a 0 and the list in a second one. A missing file,
+// section or key gives `defaultText` (null: empty) without its trailing spaces, and so does a section without keys
+// when its keys are asked for; the sections of a missing file are an empty list. A text that does not fit is cut: the
+// result is then size - 1; a list is cut unless it is shorter than the buffer, to size - 2 bytes and two zeros, and
+// the result is size - 2. Result: the length copied, without the (last) terminator; 0 for a null buffer (which
+// Windows does not survive) or a size of 0. The file is read as Shift-JIS bytes, or as UTF-16 behind the UTF-16LE
+// byte order mark; a UTF-8 byte order mark is no mark to Windows and none here. Only a regular file is read (a pipe is
+// not waited on), and none over 16 MiB. A file that cannot be read leaves the last error that opening it would
+// (ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_ACCESS_DENIED; ERROR_NOT_ENOUGH_MEMORY for a file too large);
+// any other read leaves the last error alone.
 DWORD GetPrivateProfileStringA(LPCSTR appName, LPCSTR keyName, LPCSTR defaultText, LPSTR returned, DWORD size,
                                LPCSTR fileName);
 

@@ -21,6 +21,8 @@ void TestClearFaults(void);
 // per name that had to be looked for without case. A path whose names are all spelled as on disk costs none.
 size_t TestFolderReads(void);
 
-// Uses `drives`, in the form of KELMARO_DRIVES ("C=/srv/c;D=/mnt/d"), as the drive table (null: none set, so only Z:
-// is "/"), and reads the current folder anew in the light of it.
+// Uses `drives`, in the form of KELMARO_DRIVES ("C=/srv/c;D=/mnt/d"), as the drive table, and reads the current folder
+// anew in the light of it. Null unsets KELMARO_DRIVES, so that the table comes as the environment says without it:
+// from the Wine prefix that WINEPREFIX or HOME names, if there is one, else Z: alone is "/". The unit tests run with
+// a HOME of their own and no WINEPREFIX (support/host_environment.cpp), so there null gives Z: alone.
 void TestSetDrives(const char *drives);
