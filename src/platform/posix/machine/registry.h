@@ -63,9 +63,10 @@ LSTATUS RegQueryValueExA(HKEY key, const char *valueName, DWORD *reserved, DWORD
                          DWORD *size);
 // The value at `index` of a key, in the file's order: its name (*nameSize: in the buffer's size, out the name's length
 // without the terminator) and, as RegQueryValueExA gives them, its type and data. ERROR_NO_MORE_ITEMS past the last
-// value. ERROR_MORE_DATA when the name or the data does not fit: the name, *nameSize and the data are left alone,
-// the type and the data's size are told. ERROR_INVALID_PARAMETER without `name` or `nameSize`, with `reserved`, or with
-// `data` but no `dataSize`; the handle's errors as for RegQueryValueExA.
+// value. ERROR_MORE_DATA when the name or the data does not fit: the name, *nameSize and the data are left alone
+// (Windows leaves them undefined, Wine writes what fits), the type and the data's size are told.
+// ERROR_INVALID_PARAMETER without `name` or `nameSize`, with `reserved`, or with `data` but no `dataSize`; the handle's
+// errors as for RegQueryValueExA.
 LSTATUS RegEnumValueA(HKEY key, DWORD index, char *name, DWORD *nameSize, DWORD *reserved, DWORD *type,
                       unsigned char *data, DWORD *dataSize);
 // Closes a key opened by RegOpenKeyExA. A predefined root is accepted and stays usable. ERROR_INVALID_HANDLE for
