@@ -182,7 +182,7 @@ class LinuxSources(harness.ProgramTest):
         os.symlink("../drive_c", os.path.join(prefix, "dosdevices", "c:"))
         os.symlink("/", os.path.join(prefix, "dosdevices", "z:"))
         with open(os.path.join(prefix, "user.reg"), "w", encoding="ascii") as out:
-            out.write("WINE REGISTRY Version 2\n;; All keys relative to \\\\User\\\\S-1-5-21-0-0-0-1000\n\n"
+            out.write("WINE REGISTRY Version 2\n;; All keys relative to REGISTRY\\\\User\\\\S-1-5-21-0-0-0-1000\n\n"
                       "#arch=win64\n\n"
                       "[Software\\\\Orvel\\\\Tarnbrook\\\\UseDefine] 1700000000\n#time=1da0000000000000\n"
                       "\"folder\"=\"C:\\\\Links\"\n\"option\"=\"3019 3022 3041 3042\"\n")

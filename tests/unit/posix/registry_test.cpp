@@ -450,6 +450,15 @@ TEST_F(RegistryFile, OnlyKeysOfTheCurrentUserAreKept) {
 "machine"="1"
 )");
   EXPECT_EQ(Query("Software\\Kelmaro", "machine").status, ERROR_FILE_NOT_FOUND);
+
+  // Older Wine versions name the user's hive without "REGISTRY".
+  Use(R"(WINE REGISTRY Version 2
+;; All keys relative to \\User\\S-1-5-21-0-0-0-1000
+
+[Software\\Kelmaro] 1795588205
+"user"="1"
+)");
+  EXPECT_EQ(Query("Software\\Kelmaro", "user").status, ERROR_SUCCESS);
 }
 
 // "[-key]" removes a key read before it, with everything below it; "name"=- removes a value. What the file gives

@@ -41,7 +41,7 @@ typedef int32_t LSTATUS;
 #define REG_QWORD 11u
 
 #define ERROR_BAD_PATHNAME 161
-#define ERROR_MORE_DATA 234
+// ERROR_MORE_DATA (234) comes with the file operations (files.h).
 #define ERROR_NO_MORE_ITEMS 259
 #define ERROR_KEY_DELETED 1018
 

@@ -329,9 +329,12 @@ class FileReader {
   bool Wine() const { return format_ == Format::kWine; }
 
   // Wine names the hive a file holds in a comment at its top: "REGISTRY\\User\\S-1-5-21-..." for user.reg, the
-  // current user's. system.reg ("REGISTRY\\Machine") and userdef.reg ("REGISTRY\\User\\.Default") are not
-  // HKEY_CURRENT_USER, and a file without the comment is taken to be user.reg.
-  void ReadHiveLine(const std::u16string &hive) { otherHive_ = !HasWordAt(hive, 0, "registry\\\\user\\\\s-"); }
+  // current user's ("\\User\\S-1-5-21-..." in the prefixes of older Wine versions). system.reg ("REGISTRY\\Machine")
+  // and userdef.reg ("REGISTRY\\User\\.Default") are not HKEY_CURRENT_USER, and a file without the comment is taken
+  // to be user.reg.
+  void ReadHiveLine(const std::u16string &hive) {
+    otherHive_ = !HasWordAt(hive, 0, "registry\\\\user\\\\s-") && !HasWordAt(hive, 0, "\\\\user\\\\s-");
+  }
 
   // "[HKEY_CURRENT_USER\a\b]" or "[-HKEY_CURRENT_USER\a\b]" in an export; "[a\\b] 1234567890" in user.reg, whose keys
   // all lie below HKEY_CURRENT_USER. The values that follow a key of any other root are passed over.
