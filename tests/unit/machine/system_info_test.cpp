@@ -32,6 +32,7 @@ bool rtlAnswers = true;  // else RtlGetVersion fails (a status above 0) and GetV
 LONG rtlStatus = 0;
 BOOL versionExAnswer = TRUE;
 int calls = 0;
+char residue = 0;  // a byte that GetVersionExA leaves behind the service pack text's terminator
 DWORD rtlSizeSeen = 0, versionExSizeSeen = 0;
 
 LONG WINAPI FakeRtlGetVersion(void *record) {
@@ -64,6 +65,7 @@ BOOL WINAPI FakeGetVersionEx(LPOSVERSIONINFOA info) {
   info->dwBuildNumber = 1234;
   info->dwPlatformId = current->platform;
   std::strcpy(info->szCSDVersion, current->servicePack);
+  info->szCSDVersion[std::strlen(current->servicePack) + 1] = residue;
   return TRUE;
 }
 
@@ -100,6 +102,7 @@ class SystemClass : public ::testing::Test {
     versionExAnswer = TRUE;
     calls = 0;
     rtlSizeSeen = versionExSizeSeen = 0;
+    residue = 0;
     struct {
       const char *name;
       FARPROC call;
@@ -186,6 +189,16 @@ TEST_F(SystemClass, ByVersion) {
     EXPECT_EQ(OsBuildNumber(), row.throughRtl ? 4321u : 1234u) << row.system.what;
     EXPECT_STREQ(OsServicePackText(), row.system.servicePack) << row.system.what;
   }
+}
+
+// The 95 line's editions by the second byte of the service pack text: Windows 95 reads it whatever the text, Windows
+// 98 only behind a first byte that is not the terminator.
+TEST_F(SystemClass, TheSecondByteOfAnEmptyText) {
+  rtlAnswers = false;
+  residue = 'C';
+  EXPECT_EQ(ClassOf({"95, empty text, C behind it", 1, 4, 0, "", 0, 0, 0, 0}).osClass, 0xA014u);
+  residue = 'A';
+  EXPECT_EQ(ClassOf({"98, empty text, A behind it", 1, 4, 10, "", 0, 0, 0, 0}).osClass, 0xA008u);
 }
 
 TEST_F(SystemClass, ServerProducts) {
