@@ -34,6 +34,7 @@ struct MountState {
   bool loaded = false;
   std::vector<MountEntry> mounts;
   std::map<unsigned long long, DeviceFacts> devices;  // by major and minor, kept as long as the table
+  std::map<std::string, MountEntry> folders;          // the mount of each folder asked about, as long as the table
 };
 
 MountState &State() {
@@ -77,6 +78,7 @@ const std::vector<MountEntry> *CurrentMounts() {
     if (!state.loaded) {
       state.mounts = ParseMountInfo(state.testText);
       state.devices.clear();
+      state.folders.clear();
       state.loaded = true;
     }
     return &state.mounts;
@@ -95,6 +97,7 @@ const std::vector<MountEntry> *CurrentMounts() {
     if (!ReadWhole(state.table, &text)) return nullptr;
     state.mounts = ParseMountInfo(text);
     state.devices.clear();
+    state.folders.clear();
     state.loaded = true;
   }
   return &state.mounts;
@@ -196,13 +199,21 @@ const MountEntry *MountHolding(const std::vector<MountEntry> &mounts, const std:
 }
 
 bool MountOfFolder(const std::string &folder, MountEntry *mount) {
-  char resolved[PATH_MAX];
-  if (realpath(folder.c_str(), resolved) == nullptr) return false;
   const std::vector<MountEntry> *mounts = CurrentMounts();
   if (mounts == nullptr) return false;
+  // The engine asks about the same drives for every shortcut it reads: a folder's mount is kept until the table
+  // changes, so that a question costs a look at the table's state, not a walk of the folder's links.
+  std::map<std::string, MountEntry> &known = State().folders;
+  auto kept = known.find(folder);
+  if (kept != known.end()) {
+    *mount = kept->second;
+    return true;
+  }
+  char resolved[PATH_MAX];
+  if (realpath(folder.c_str(), resolved) == nullptr) return false;
   const MountEntry *found = MountHolding(*mounts, resolved);
   if (found == nullptr) return false;
-  *mount = *found;
+  *mount = known[folder] = *found;
   return true;
 }
 
@@ -271,6 +282,7 @@ void TestSetMountTable(const char *mountInfo) {
   state.testText = mountInfo ? mountInfo : "";
   state.loaded = false;
   state.devices.clear();
+  state.folders.clear();
 }
 
 void TestSetDeviceFolders(const char *sysRoot, const char *labelFolder) {
@@ -278,4 +290,5 @@ void TestSetDeviceFolders(const char *sysRoot, const char *labelFolder) {
   state.sysRoot = sysRoot ? sysRoot : "/sys";
   state.labelFolder = labelFolder ? labelFolder : "/dev/disk/by-label";
   state.devices.clear();
+  state.folders.clear();
 }

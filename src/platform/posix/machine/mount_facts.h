@@ -24,8 +24,9 @@ std::vector<MountEntry> ParseMountInfo(const std::string &text);
 // above it, and of equal ones the later, which hides the earlier. Null when none holds it.
 const MountEntry *MountHolding(const std::vector<MountEntry> &mounts, const std::string &path);
 
-// The mount that holds a Linux folder, its symbolic links followed first. Result: false when the folder cannot be
-// resolved or the table read.
+// The mount that holds a Linux folder, its symbolic links followed first. The answer for a folder is kept until the
+// table changes (a folder's links that are pointed elsewhere meanwhile are not seen). Result: false when the folder
+// cannot be resolved or the table read.
 bool MountOfFolder(const std::string &folder, MountEntry *mount);
 // The drive kind of a mount: DRIVE_RAMDISK for tmpfs and ramfs, DRIVE_CDROM for iso9660 and udf, DRIVE_REMOTE for
 // cifs, smb3, nfs, nfs4 and fuse.sshfs, DRIVE_REMOVABLE for a block device whose disk says removable in /sys,
