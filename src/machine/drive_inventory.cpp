@@ -73,7 +73,8 @@ const char *RowText(int row, int fromZero) {
   return driveRows[index].locked;
 }
 
-// The warning that the table has no room for a drive behind Z, in the pair of the program's language.
+// The warning that the table has no room for a drive behind Z, in the pair of the program's language. The language's
+// index is kept by the error reporter, above this folder: reading it is the one call this file makes upwards.
 void WarnDriveOverflow(HWND owner) {
   static const char *const kTitles[] = {"GetDriveInfomation", "ドライブ情報取得"};
   static const char *const kTexts[] = {
