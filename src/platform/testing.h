@@ -1,10 +1,12 @@
-// Hooks by which tests steer the parts of the platform layer that are ours on both platforms: the global heap and the
-// console. Nothing outside tests/ includes this header.
+// Hooks by which tests steer the parts of the platform layer that are ours on both platforms: the global heap, the
+// console and the swappable system calls. Nothing outside tests/ includes this header.
 #pragma once
 
 #include <cstddef>
 #include <string>
 #include <vector>
+
+#include "platform/winapi.h"
 
 // Heap requests (GlobalAlloc, GlobalReAlloc) for more than `maxBytes` fail as an exhausted heap does; 0 lets
 // nothing through, kNoAllocationLimit (the default) everything.
@@ -23,3 +25,17 @@ std::string TestConsoleOutput(void);  // what was written since TestConsoleBegin
 // The styles of the alerts (MessageBeep) sounded since TestConsoleBegin, in order; none of them reached a speaker.
 std::vector<unsigned> TestConsoleBeeps(void);
 void TestConsoleEnd(void);
+
+// Puts `call` in place of a system operation for the machine services, which reach these through the swappable table
+// (platform/system_calls.h): "GetDriveTypeA", "GetVersionExA", "GetSystemInfo", "GetSystemMetrics", and the entry
+// points looked up by name, "RtlGetVersion", "GetNativeSystemInfo" and "GetProductInfo". `call` must have the
+// operation's own type, WINAPI included (TestCall makes one of a function). Null puts the real call back for the
+// direct calls, and for an entry point means that the lookup finds nothing. Result: false for a name the table does
+// not hold.
+bool TestSwapSystemCall(const char *name, FARPROC call);
+template <typename Function>
+FARPROC TestCall(Function *function) {
+  return reinterpret_cast<FARPROC>(reinterpret_cast<void *>(function));
+}
+// Puts every real operation back.
+void TestRestoreSystemCalls(void);

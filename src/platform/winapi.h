@@ -137,8 +137,10 @@ DWORD FormatMessageA(DWORD flags, LPCVOID source, DWORD messageId, DWORD languag
                      va_list *arguments);
 // Frees what FormatMessageA allocated; null does nothing. Result: null.
 HLOCAL LocalFree(HLOCAL memory);
-// No library is ever loaded on Linux: every name gives null with ERROR_MOD_NOT_FOUND. FreeLibrary accepts anything,
-// null included, and gives TRUE.
+// No library is ever loaded on Linux. The two system modules that every Windows process has, "ntdll.dll" and
+// "kernel32.dll" (named without case, with or without ".dll"), give the module handle of GetModuleHandleA, through
+// which GetProcAddress finds their operations; every other name gives null with ERROR_MOD_NOT_FOUND. FreeLibrary
+// accepts anything, null included, and gives TRUE.
 HMODULE LoadLibraryA(LPCSTR name);
 BOOL FreeLibrary(HMODULE module);
 // No internet session has answered: the response's error is 0, its text empty (when `buffer` has room for the NUL;
@@ -146,6 +148,8 @@ BOOL FreeLibrary(HMODULE module);
 BOOL InternetGetLastResponseInfoA(DWORD *error, LPSTR buffer, DWORD *length);
 
 #include "platform/posix/files/files.h"
+// The system's version and processor: Windows 10 in the width of the build.
+#include "platform/posix/machine/system_version.h"
 // The registry, read from a registry file or a Wine prefix.
 #include "platform/posix/machine/registry.h"
 // Shell link objects (IShellLinkA, IPersistFile), COM creation, code page conversion, and the types they use.

@@ -206,23 +206,30 @@ DWORD GetFullPathNameA(LPCSTR fileName, DWORD bufferLength, LPSTR buffer, LPSTR 
 // is added to a name without one. A name with a folder part (absolute, or starting ".\" or "..\") is only looked at
 // where it says. Returns the length, or the size needed with the terminator; 0 with ERROR_FILE_NOT_FOUND.
 DWORD SearchPathA(LPCSTR path, LPCSTR fileName, LPCSTR extension, DWORD bufferLength, LPSTR buffer, LPSTR *filePart);
-// There is no Windows folder on Linux: the environment variable windir (or SystemRoot) names one in drive form;
-// without it these give 0 with ERROR_PATH_NOT_FOUND and an empty buffer. The system folder is its "system32".
+// The Windows folder of Linux: the one that the environment variable windir (or SystemRoot) names in drive form;
+// without it "C:\windows" when drive C is mapped, as a Wine prefix has it (the folder need not be there); otherwise
+// none, and these give 0 with ERROR_PATH_NOT_FOUND and an empty buffer. The system folder is its "system32".
 // Their callers come with the special folders.
 UINT GetWindowsDirectoryA(LPSTR buffer, UINT size);
 UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
 
 // ---- Drives and volumes --------------------------------------------------------------------------------------------
 // Their callers come with the drive inventory.
-// DRIVE_FIXED for a mapped drive whose folder exists, named by any path on it ("X:", "X:\", "X:\dir\"; null: the
-// current drive); DRIVE_NO_ROOT_DIR for anything else, network roots included.
+// The kind of a mapped drive whose folder exists, named by any path on it ("X:", "X:\", "X:\dir\"; null: the current
+// drive), from the mount that holds the drive's folder: DRIVE_RAMDISK (tmpfs, ramfs), DRIVE_CDROM (iso9660, udf),
+// DRIVE_REMOTE (cifs, smb3, nfs, fuse.sshfs), DRIVE_REMOVABLE (a block device whose disk /sys calls removable),
+// DRIVE_FIXED for the rest and where the mount cannot be told. DRIVE_NO_ROOT_DIR for anything else, network roots
+// included.
 UINT GetDriveTypeA(LPCSTR rootPathName);
-// One bit per drive that GetDriveTypeA calls fixed, bit 0 for A:.
+// One bit per drive that is there, whatever its kind, bit 0 for A:.
 DWORD GetLogicalDrives(void);
-// The volume of a mapped drive's root ("X:\" or "X:"): no label, a serial number from the file system's id, its longest
-// name, FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK (and FILE_READ_ONLY_VOLUME), and its file system's name in
-// upper case ("EXT4", "TMPFS"; "FAT32", "NTFS", "CDFS" for those). ERROR_DIR_NOT_ROOT for a folder that is not a root,
-// ERROR_PATH_NOT_FOUND for an unmapped drive, ERROR_BAD_NETPATH for a network root.
+// The volume of a mapped drive's root ("X:\" or "X:"), from the mount that holds the drive's folder: the label that
+// /dev/disk/by-label gives its device (empty when none does), a serial number from the file system's id (statfs's
+// f_fsid), its longest name (f_namelen), FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK (and FILE_READ_ONLY_VOLUME),
+// and its file system's name as Windows spells it where it has one ("FAT32" for vfat, "FAT" for msdos, "NTFS" for
+// ntfs, ntfs3 and ntfs-3g, "exFAT", "CDFS" for iso9660, "UDF"), else the Linux type in capitals ("EXT4", "TMPFS").
+// ERROR_BAD_LENGTH when the label or the name does not fit its buffer, ERROR_DIR_NOT_ROOT for a folder that is not a
+// root, ERROR_PATH_NOT_FOUND for an unmapped drive, ERROR_BAD_NETPATH for a network root.
 BOOL GetVolumeInformationA(LPCSTR rootPathName, LPSTR volumeNameBuffer, DWORD volumeNameSize,
                            LPDWORD volumeSerialNumber, LPDWORD maximumComponentLength, LPDWORD fileSystemFlags,
                            LPSTR fileSystemNameBuffer, DWORD fileSystemNameSize);

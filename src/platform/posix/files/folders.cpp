@@ -40,7 +40,8 @@ bool DriveFormOf(const std::string &linuxFolder, std::u16string *folder) {
   return true;
 }
 
-// The Windows folder from the environment, full, or empty.
+// The Windows folder: the one that windir (or SystemRoot) names, full, when it names one in drive form, as a user
+// or a test may choose; otherwise C:\windows when drive C is mapped, where a Wine prefix keeps it; otherwise none.
 std::u16string WindowsFolder() {
   static const char *const kNames[] = {"windir", "SystemRoot"};
   for (const char *name : kNames) {
@@ -54,6 +55,7 @@ std::u16string WindowsFolder() {
       return full;
     }
   }
+  if (!DriveRootOf(u'C').empty()) return u"C:\\windows";
   return std::u16string();
 }
 

@@ -1,5 +1,6 @@
 // System texts of the Linux backend (FormatMessageA, LocalFree), and the libraries that Windows would load for more of
-// them (LoadLibraryA, FreeLibrary, InternetGetLastResponseInfoA): there are none on Linux.
+// them (LoadLibraryA, FreeLibrary, InternetGetLastResponseInfoA): there are none on Linux, only the system modules
+// that every process has.
 #include <langinfo.h>
 #include <locale.h>
 
@@ -159,7 +160,11 @@ HLOCAL LocalFree(HLOCAL memory) {
   return nullptr;
 }
 
-HMODULE LoadLibraryA(LPCSTR) {
+HMODULE LoadLibraryA(LPCSTR name) {
+  static const char *const kSystemModules[] = {"ntdll.dll", "ntdll", "kernel32.dll", "kernel32"};
+  if (name != nullptr)
+    for (const char *module : kSystemModules)
+      if (lstrcmpiA(name, module) == 0) return GetModuleHandleA(name);
   SetLastError(ERROR_MOD_NOT_FOUND);
   return nullptr;
 }

@@ -1,5 +1,5 @@
 // GetProcAddress of the Linux backend: the operations that the engine looks up by name on Windows, because the oldest
-// systems lack them, are always there here.
+// systems lack them (and ntdll's RtlGetVersion, which no header declares), are always there here.
 #include "platform/winapi.h"
 
 namespace {
@@ -20,6 +20,9 @@ FARPROC GetProcAddress(HMODULE, LPCSTR name) {
   static const Entry entries[] = {
       {"GetFileSizeEx", AsProc(&GetFileSizeEx)},
       {"GetDiskFreeSpaceExA", AsProc(&GetDiskFreeSpaceExA)},
+      {"GetNativeSystemInfo", AsProc(&GetNativeSystemInfo)},
+      {"GetProductInfo", AsProc(&GetProductInfo)},
+      {"RtlGetVersion", AsProc(&RtlGetVersion)},
   };
   if (name != nullptr)
     for (const Entry &entry : entries)

@@ -1,18 +1,18 @@
 // Drives and volumes for the Linux backend: GetDriveTypeA, GetLogicalDrives, GetVolumeInformationA,
 // GetDiskFreeSpaceA and GetDiskFreeSpaceExA.
 #include <fcntl.h>
-#include <limits.h>
-#include <stdlib.h>
+#include <sys/statfs.h>
 #include <sys/statvfs.h>
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <string>
 
 #include "platform/posix/files/error_codes.h"
 #include "platform/posix/files/fault_table.h"
 #include "platform/posix/files/path_resolver.h"
+#include "platform/posix/machine/mount_facts.h"
+#include "platform/posix/text/charset.h"
 #include "platform/posix/text/path_names.h"
 #include "platform/winapi.h"
 
@@ -42,49 +42,11 @@ bool DriveIsThere(char16_t letter) {
 
 std::u16string CurrentDriveRoot() { return CurrentFolder().substr(0, 3); }
 
-// A field of /proc/self/mounts, with its octal escapes ("\040" for a space) undone.
-std::string Unescape(const std::string &field) {
-  std::string out;
-  for (size_t i = 0; i < field.size(); ++i) {
-    if (field[i] == '\\' && i + 3 < field.size() && field[i + 1] >= '0' && field[i + 1] <= '7') {
-      out.push_back(static_cast<char>(std::stoi(field.substr(i + 1, 3), nullptr, 8)));
-      i += 3;
-    } else {
-      out.push_back(field[i]);
-    }
-  }
-  return out;
-}
-
-// The name of the file system that holds a folder, as Windows would call it: the Windows names for the file systems
-// that Windows knows, the Linux name in upper case for the rest.
-std::string FileSystemName(const std::string &folder) {
-  char real[PATH_MAX];
-  if (!realpath(folder.c_str(), real)) return "UNKNOWN";
-  std::string path = real;
-  std::ifstream mounts("/proc/self/mounts");
-  std::string device, mountPoint, type, rest, best;
-  size_t bestLength = 0;
-  bool found = false;
-  while (mounts >> device >> mountPoint >> type && std::getline(mounts, rest)) {
-    std::string point = Unescape(mountPoint);
-    bool holds = point == "/" || path == point ||
-                 (path.compare(0, point.size(), point) == 0 && path.size() > point.size() && path[point.size()] == '/');
-    // A later mount on the same point hides the earlier one.
-    if (holds && (!found || point.size() >= bestLength)) {
-      best = type;
-      bestLength = point.size();
-      found = true;
-    }
-  }
-  if (!found) return "UNKNOWN";
-  if (best == "vfat") return "FAT32";
-  if (best == "msdos") return "FAT";
-  if (best == "ntfs" || best == "ntfs3") return "NTFS";
-  if (best == "iso9660") return "CDFS";
-  if (best == "exfat") return "exFAT";
-  for (char &c : best) c = static_cast<char>(toupper(static_cast<unsigned char>(c)));
-  return best;
+// The kind of drive whose folder is `folder`, from the mount that holds it; a folder whose mount cannot be told is
+// taken for an ordinary disk.
+UINT DriveTypeOfFolder(const std::string &folder) {
+  MountEntry mount;
+  return MountOfFolder(folder, &mount) ? DriveTypeOfMount(mount) : DRIVE_FIXED;
 }
 
 // Finds the volume of a folder given as the program gives paths (null: the current drive). Result: 0 or an error.
@@ -108,10 +70,12 @@ UINT GetDriveTypeA(LPCSTR rootPathName) {
   // Any path on a drive tells that drive's type, as Windows answers for "C:\Windows\" too.
   std::u16string root = rootPathName ? ProgramToUtf16(rootPathName) : CurrentDriveRoot();
   char16_t letter = DriveLetter(root);
-  return letter != 0 && DriveIsThere(letter) ? DRIVE_FIXED : DRIVE_NO_ROOT_DIR;
+  if (letter == 0 || !DriveIsThere(letter)) return DRIVE_NO_ROOT_DIR;
+  return DriveTypeOfFolder(DriveRootOf(letter));
 }
 
 DWORD GetLogicalDrives(void) {
+  // Every drive that is there, whatever its kind, as Windows counts them.
   DWORD drives = 0;
   for (int i = 0; i < 26; ++i)
     if (DriveIsThere(static_cast<char16_t>(u'A' + i))) drives |= 1u << i;
@@ -132,20 +96,22 @@ BOOL GetVolumeInformationA(LPCSTR rootPathName, LPSTR volumeNameBuffer, DWORD vo
   if (!IsDriveRoot(root)) return FailWith(ERROR_DIR_NOT_ROOT);
   if (!DriveIsThere(letter)) return FailWith(ERROR_PATH_NOT_FOUND);
   std::string linux = DriveRootOf(letter);
-  struct statvfs volume;
-  if (statvfs(linux.c_str(), &volume) != 0) return FailWith(ErrorFromErrno(errno));
-  std::string fileSystem = FileSystemName(linux);
+  struct statfs volume;
+  if (statfs(linux.c_str(), &volume) != 0) return FailWith(ErrorFromErrno(errno));
+  MountEntry mount;
+  bool mounted = MountOfFolder(linux, &mount);
+  std::string fileSystem = mounted ? FileSystemNameOfMount(mount) : "UNKNOWN";
+  std::string label = mounted ? Utf8ToCp932(VolumeLabelOfMount(mount)) : std::string();
   if (fileSystemNameBuffer && fileSystemNameSize <= fileSystem.size()) return FailWith(ERROR_BAD_LENGTH);
-  // Linux keeps no volume label that a program could read without privileges: the label is empty.
-  if (volumeNameBuffer && volumeNameSize > 0) volumeNameBuffer[0] = 0;
-  if (volumeSerialNumber) {
-    uint64_t id = volume.f_fsid;
-    *volumeSerialNumber = static_cast<DWORD>(id ^ (id >> 32));
-  }
-  if (maximumComponentLength) *maximumComponentLength = static_cast<DWORD>(volume.f_namemax);
+  if (volumeNameBuffer && volumeNameSize <= label.size()) return FailWith(ERROR_BAD_LENGTH);
+  if (volumeNameBuffer) std::memcpy(volumeNameBuffer, label.c_str(), label.size() + 1);
+  // The file system's id in 32 bits: its two halves, as statvfs's f_fsid folds them.
+  if (volumeSerialNumber)
+    *volumeSerialNumber = static_cast<DWORD>(volume.f_fsid.__val[0]) ^ static_cast<DWORD>(volume.f_fsid.__val[1]);
+  if (maximumComponentLength) *maximumComponentLength = static_cast<DWORD>(volume.f_namelen);
   if (fileSystemFlags) {
     *fileSystemFlags = FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK;
-    if (volume.f_flag & ST_RDONLY) *fileSystemFlags |= FILE_READ_ONLY_VOLUME;
+    if (volume.f_flags & ST_RDONLY) *fileSystemFlags |= FILE_READ_ONLY_VOLUME;
   }
   if (fileSystemNameBuffer) std::memcpy(fileSystemNameBuffer, fileSystem.c_str(), fileSystem.size() + 1);
   return TRUE;
