@@ -85,6 +85,10 @@ int SelectedRowAt(int index) { return index == 0 ? selectionTable[0] : 0; }
 
 int ShowMessageById(HWND, unsigned, unsigned, unsigned) { return 0; }
 
+int AddListRowText(HWND, unsigned, const char *, int, int) { return 0; }
+
+void SelectListRow(HWND, unsigned, int) {}
+
 int SetControlTextStub(HWND, unsigned, const char *) { return 0; }
 
 HWND OwnerWindow(HWND window) { return window != nullptr ? window : GetDesktopWindow(); }

@@ -50,6 +50,9 @@ int SelectedRowAt(int index);
 // The message box by string ids: it shows nothing on a console, and its 0 is no button code, so a caller that
 // compares it with a button takes the branch for any other button. Messages that must be seen use ConsolePrompt.
 int ShowMessageById(HWND window, unsigned textId, unsigned captionId, unsigned flags);
+// Adds a row to a list control, and selects a row of one: there is no list on a console. AddListRowText gives 0.
+int AddListRowText(HWND window, unsigned id, const char *text, int flags, int data);
+void SelectListRow(HWND window, unsigned id, int row);
 // Sets a control's text: there is no control on a console. Result 0.
 int SetControlTextStub(HWND window, unsigned id, const char *text);
 // The parent window for messages: `window`, else the main window (none here), else the desktop. Nothing calls it
