@@ -59,6 +59,7 @@ enum MessageId : unsigned {
   kMsgFolderNotDeleted = 8122,
   kMsgReadOnlyForceAsk = 8123,
   kMsgFileNotDeletedGoOnAsk = 8124,
+  kMsgMyComputer = 8127,
   kMsgMyNetwork = 8128,
   kMsgCaseChangeFailed = 8188,
   kMsgEditErrorTitle = 8216,

@@ -75,6 +75,7 @@ constexpr Message kMessages[] = {
     {kMsgFolderNotDeleted, "ﾌｫﾙﾀﾞの消去はできませんでした。"},
     {kMsgReadOnlyForceAsk, " の消去はできません。読込専用に設定されています。強制消去しますか？"},
     {kMsgFileNotDeletedGoOnAsk, "ﾌｧｲﾙの消去はできませんでした。消去を続行しますか？"},
+    {kMsgMyComputer, "[ﾏｲｺﾝﾋﾟｭｰﾀ]"},
     {kMsgMyNetwork, "[ﾏｲﾈｯﾄﾜｰｸ]"},
     {kMsgCaseChangeFailed, "名前の大小文字の変更に失敗しました。"},
     {kMsgEditErrorTitle, "ｴﾗ-：編集"},
