@@ -5,9 +5,11 @@
 //
 // Drives come from the drive table (see drive_table.h): from KELMARO_DRIVES when it is set (Z: is "/" unless it says
 // otherwise), else from the links of a Wine prefix's dosdevices folder (WINEPREFIX, else ~/.wine), else Z: alone as
-// "/". Names are matched without case, as Windows matches them; listings come in NTFS order. Each operation sets the
-// last error as Windows does for the same input; where this backend answers differently from Windows, the comment at
-// the operation says so. Paths obey Windows' rules (see path_resolver.h), with these Linux facts showing through:
+// "/". Network shares ("\\server\share") come from the share table (KELMARO_SHARES, then the cifs and smb3 mounts,
+// then gvfs's; see share_table.h), so that a path of the network reaches every operation here as a drive path does.
+// Names are matched without case, as Windows matches them; listings come in NTFS order. Each operation sets the last
+// error as Windows does for the same input; where this backend answers differently from Windows, the comment at the
+// operation says so. Paths obey Windows' rules (see path_resolver.h), with these Linux facts showing through:
 // - A symbolic link shows as Windows shows its own: FILE_ATTRIBUTE_REPARSE_POINT beside the attributes of its target,
 //   so a link to a folder is a folder, as a junction is; a link to nothing, or a loop of links, is a file. A path
 //   through more than 40 links fails with ERROR_CANT_RESOLVE_FILENAME, as Windows fails beyond 63 reparse points.
@@ -126,14 +128,15 @@ typedef struct _OVERLAPPED OVERLAPPED, *LPOVERLAPPED;
 #define ERROR_CANT_RESOLVE_FILENAME 1921
 
 // ---- Listing a folder ----------------------------------------------------------------------------------------------
-// FindFirstFileA reads the folder once and keeps the matching entries: "." and ".." first (not at a drive root), then
+// FindFirstFileA reads the folder once and keeps the matching entries: "." and ".." first (not at a drive root; at the
+// root of a share, as a server lists a shared folder), then
 // the rest in NTFS order (by the upper-cased UTF-16 name). The mask is matched as NTFS matches it (see DosMask in
 // path_names.h); there are no short names, so a mask never matches through one ("*.lnk" does not find "a.lnkx", which
 // Windows finds through the short name A~1.LNK where short names are made). A mask without wildcards finds its one
 // entry, without reading the folder when it is spelled as on disk. Errors: ERROR_FILE_NOT_FOUND (no match, or a pattern
 // ending in "\"), ERROR_PATH_NOT_FOUND (no such folder, an empty pattern, an unmapped drive), ERROR_INVALID_NAME (a
 // wildcard in the folder part, or a file in its place), ERROR_FILENAME_EXCED_RANGE (over MAX_PATH characters),
-// ERROR_ACCESS_DENIED, ERROR_BAD_NETPATH (any network path: there is no network here).
+// ERROR_ACCESS_DENIED, ERROR_BAD_NETPATH (a share that is not mapped, or a server alone: "\\srv\*").
 HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData);
 // The next entry; FALSE with ERROR_NO_MORE_FILES at the end (and on every call after it), ERROR_INVALID_HANDLE for a
 // handle that is not an open search. An entry deleted since the listing was read is passed over.
@@ -215,14 +218,16 @@ UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
 // ---- Drives and volumes --------------------------------------------------------------------------------------------
 // Their callers come with the drive inventory.
 // DRIVE_FIXED for a mapped drive whose folder exists, named by any path on it ("X:", "X:\", "X:\dir\"; null: the
-// current drive); DRIVE_NO_ROOT_DIR for anything else, network roots included.
+// current drive); DRIVE_REMOTE for a path on a share that the share table maps and that can be reached
+// ("\\server\share\"); DRIVE_NO_ROOT_DIR for anything else.
 UINT GetDriveTypeA(LPCSTR rootPathName);
 // One bit per drive that GetDriveTypeA calls fixed, bit 0 for A:.
 DWORD GetLogicalDrives(void);
 // The volume of a mapped drive's root ("X:\" or "X:"): no label, a serial number from the file system's id, its longest
 // name, FILE_CASE_PRESERVED_NAMES | FILE_UNICODE_ON_DISK (and FILE_READ_ONLY_VOLUME), and its file system's name in
 // upper case ("EXT4", "TMPFS"; "FAT32", "NTFS", "CDFS" for those). ERROR_DIR_NOT_ROOT for a folder that is not a root,
-// ERROR_PATH_NOT_FOUND for an unmapped drive, ERROR_BAD_NETPATH for a network root.
+// ERROR_PATH_NOT_FOUND for an unmapped drive. The root of a mapped share ("\\server\share\") is the volume of the
+// folder where it is mounted; ERROR_BAD_NETPATH for a share that is not mapped.
 BOOL GetVolumeInformationA(LPCSTR rootPathName, LPSTR volumeNameBuffer, DWORD volumeNameSize,
                            LPDWORD volumeSerialNumber, LPDWORD maximumComponentLength, LPDWORD fileSystemFlags,
                            LPSTR fileSystemNameBuffer, DWORD fileSystemNameSize);

@@ -73,7 +73,7 @@ bool GiveNext(OpenSearch *search, WIN32_FIND_DATAA *data) {
 }
 
 // Reads the folder and keeps the names that match, in NTFS order with "." and ".." first. Result: 0 or an error.
-DWORD ReadFolder(const std::string &linux, bool isRoot, const std::u16string &dosMask, OpenSearch *search) {
+DWORD ReadFolder(const std::string &linux, bool isDriveRoot, const std::u16string &dosMask, OpenSearch *search) {
   int folder = open(linux.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (folder < 0) return ErrorFromErrno(errno);
   CountFolderRead();
@@ -94,7 +94,8 @@ DWORD ReadFolder(const std::string &linux, bool isRoot, const std::u16string &do
   while (struct dirent *entry = readdir(dir)) {
     std::string name = entry->d_name;
     bool isDots = name == "." || name == "..";
-    if (isDots && isRoot) continue;  // a drive root has neither, as on NTFS
+    // A drive root has neither, as on NTFS. The root of a share has both, as a server lists a shared folder.
+    if (isDots && isDriveRoot) continue;
     std::u16string folded = FoldName(Utf8ToUtf16(name));
     if (!MatchesDosMask(folded, dosMask)) continue;
     if (name == ".")
@@ -177,7 +178,7 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
   } else {
     // The dot that making the path full took from the end of "*." still counts for the mask.
     bool endedInDot = !given.empty() && given.back() == u'.';
-    error = ReadFolder(folder.linux, folder.isRoot, DosMask(mask, endedInDot), &search);
+    error = ReadFolder(folder.linux, folder.isRoot && !folder.onShare, DosMask(mask, endedInDot), &search);
     if (error != 0) return Fail(error);
   }
   return Opened(&search, findData);

@@ -1,0 +1,16 @@
+// Hooks by which tests steer the Linux backend, so that no test depends on the machine's own mounts, shares or network:
+// those of the file system (files/testing.h: forced failures, the drive table, the mount table, the share table, the
+// runtime folder of gvfs) and those of the machine below. Nothing outside tests/ includes this header.
+#pragma once
+
+#include <cstddef>
+
+#include "platform/posix/files/testing.h"
+
+// The machine's network interfaces, in place of its own (null: the machine's own again): a list of items
+// "name=word,word" separated by ";", the words among "up", "running", "loopback" and "address" (it has an IPv4 or IPv6
+// address), e.g. "lo=up,running,loopback,address;eth0=up,running,address". GetSystemMetrics(SM_NETWORK) and
+// InternetGetConnectedState answer from it.
+void TestSetInterfaces(const char *interfaces);
+// How many times InternetGetConnectedState has been called since the process began.
+size_t TestConnectionQueries(void);
