@@ -147,7 +147,7 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
     // One entry by its name, as the exact-name walk asks for each name of a path. When it is found, every folder on
     // its way was found as a folder, so the checks below would all pass: one look-up of the path instead of two.
     DiskPath entry;
-    if (FindOnDisk(full, &entry) == 0 && entry.exists && !ForcedListingFailure(folderPath, &error)) {
+    if (FindOnDisk(full, &entry) == 0 && entry.exists && !entry.isRoot && !ForcedListingFailure(folderPath, &error)) {
       search.single = true;
       search.singleFacts = entry.facts;
       search.singleName = entry.diskName;
@@ -171,7 +171,8 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
     // The folder is good, so a bad name can only be the last one, which no entry can have: "a|b" finds nothing.
     if (error == ERROR_INVALID_NAME) error = ERROR_FILE_NOT_FOUND;
     if (error != 0) return Fail(error);
-    if (!entry.exists) return Fail(ERROR_FILE_NOT_FOUND);
+    // FindFirstFile("\\server\share"): a root is no entry of a folder, of a drive or of a share.
+    if (!entry.exists || entry.isRoot) return Fail(ERROR_FILE_NOT_FOUND);
     search.single = true;
     search.singleFacts = entry.facts;
     search.singleName = entry.diskName;
