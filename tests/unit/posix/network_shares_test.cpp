@@ -5,11 +5,13 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "machine/network_paths.h"
+#include "platform/posix/files/error_codes.h"
 #include "platform/posix/files/mount_table.h"
 #include "platform/posix/files/share_table.h"
 #include "platform/posix/testing.h"
@@ -250,6 +252,23 @@ TEST_F(ShareSources, TheVolumeOfAMappedShare) {
   SetLastError(0);
   EXPECT_FALSE(GetVolumeInformationA("\\\\srv\\share\\dir\\", nullptr, 0, nullptr, nullptr, nullptr, nullptr, 0));
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_DIR_NOT_ROOT));
+}
+
+// A share whose server has gone answers with errnos of the network; they become the network errors that the engine
+// treats as such (the walker's network questions, the drive check's network message).
+TEST(NetworkErrors, ErrnosOfALostServer) {
+  struct Row {
+    int error;
+    DWORD windows;
+  } rows[] = {
+      {ENOTCONN, 64},     {ECONNRESET, 64},    {ECONNABORTED, 64},   {EHOSTDOWN, 53},
+      {EHOSTUNREACH, 53}, {ENETUNREACH, 1231}, {ECONNREFUSED, 1225}, {ETIMEDOUT, 121},
+  };
+  for (const Row &row : rows) {
+    EXPECT_EQ(ErrorFromErrno(row.error), row.windows) << row.error;
+    // A time-out is no error of the network to the engine: it ends nothing more than another failure would.
+    EXPECT_EQ(IsNetworkError(row.windows), row.windows != 121 ? 1 : 0) << row.error;
+  }
 }
 
 // NetworkPresent by the interfaces: a connection is an interface other than the loopback, up and running, with an
