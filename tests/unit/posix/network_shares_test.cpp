@@ -254,6 +254,25 @@ TEST_F(ShareSources, TheVolumeOfAMappedShare) {
   EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_DIR_NOT_ROOT));
 }
 
+// A process started in a folder that no drive holds, but a share does, has that share's path as its current folder.
+TEST_F(ShareSources, AProcessFolderThatOnlyAShareHolds) {
+  ScratchFolder folder;
+  folder.MakeFolder("dir");
+  char saved[4096];
+  ASSERT_NE(getcwd(saved, sizeof saved), nullptr);
+  ASSERT_EQ(chdir((folder.LinuxPath() + "/dir").c_str()), 0);
+  TestSetDrives("Z=/nonexistent-kelmaro");
+  TestSetShares(("\\\\srv\\share=" + folder.LinuxPath()).c_str());
+  char current[MAX_PATH] = "";
+  GetCurrentDirectoryA(sizeof current, current);
+  EXPECT_STREQ(current, "\\\\srv\\share\\dir");
+  char full[MAX_PATH] = "";
+  GetFullPathNameA("..\\x.lnk", sizeof full, full, nullptr);
+  EXPECT_STREQ(full, "\\\\srv\\share\\x.lnk");
+  EXPECT_EQ(chdir(saved), 0);
+  TestSetDrives(nullptr);
+}
+
 // A share whose server has gone answers with errnos of the network; they become the network errors that the engine
 // treats as such (the walker's network questions, the drive check's network message).
 TEST(NetworkErrors, ErrnosOfALostServer) {

@@ -195,7 +195,8 @@ int _access(const char *path, int mode);
 
 // ---- Paths and folders ---------------------------------------------------------------------------------------------
 // The current folder in drive form, without a trailing backslash except at a root. At start it is the process's
-// folder by the longest mapped root; if no drive holds it, the root of the first mapped drive. Returns the length
+// folder by the longest mapped root; if no drive holds it, by the mapped share that holds it ("\\srv\share\dir");
+// if none does either, the root of the first mapped drive. Returns the length
 // without terminator, or the size needed with it when the buffer is too small.
 DWORD GetCurrentDirectoryA(DWORD bufferLength, LPSTR buffer);
 // Makes an existing folder current; it is kept as given (made full), so its case is the caller's, as on Windows.

@@ -429,7 +429,10 @@ const std::u16string &CurrentFolder(void) {
     state.folder.clear();
     std::vector<char> buffer(4096);
     std::string drivePath;
-    if (getcwd(buffer.data(), buffer.size()) && LinuxPathToDrivePath(buffer.data(), &drivePath))
+    // By the drive that holds the process's folder, or else by the share that holds it, as the command line names
+    // such a folder.
+    if (getcwd(buffer.data(), buffer.size()) &&
+        (LinuxPathToDrivePath(buffer.data(), &drivePath) || LinuxPathToSharePath(buffer.data(), &drivePath)))
       state.folder = Utf8ToUtf16(drivePath);
     for (char letter = 'A'; state.folder.empty() && letter <= 'Z'; ++letter)
       if (!DriveRoot(letter).empty()) state.folder = std::u16string(1, static_cast<char16_t>(letter)) + u":\\";

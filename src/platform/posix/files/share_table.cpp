@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/posix/files/mount_table.h"
+#include "platform/posix/files/path_resolver.h"
 #include "platform/posix/files/testing.h"
 #include "platform/posix/text/charset.h"
 #include "platform/posix/text/path_names.h"
@@ -208,6 +209,7 @@ void TestSetShares(const char *shares) {
   else
     unsetenv("KELMARO_SHARES");
   ReloadShareTable();
+  ForgetCurrentFolder();
 }
 
 void TestSetRuntimeFolder(const char *folder) {

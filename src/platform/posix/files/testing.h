@@ -31,7 +31,7 @@ void TestSetDrives(const char *drives);
 // The sources of the share table, in place of the machine's own: `shares` in the form of KELMARO_SHARES
 // ("\\srv\share=/mnt/srv/share;...", null: none set); `text` as the mount table, in the form of /proc/self/mountinfo
 // (null: the machine's own); `folder` in place of XDG_RUNTIME_DIR, where gvfs keeps its mounts in "gvfs" (null: the
-// environment's). Each reads the share table anew.
+// environment's). Each reads the share table anew; a new share table also reads the current folder anew.
 void TestSetShares(const char *shares);
 void TestSetMountTable(const char *text);
 void TestSetRuntimeFolder(const char *folder);
