@@ -8,7 +8,6 @@
 #include "console/console_prompt.h"
 #include "machine/network_paths.h"
 #include "platform/system_calls.h"
-#include "reports/error_reporter.h"
 #include "resources/message_ids.h"
 #include "text/growing_text.h"
 #include "text/memory_blocks.h"
@@ -73,8 +72,7 @@ const char *RowText(int row, int fromZero) {
   return driveRows[index].locked;
 }
 
-// The warning that the table has no room for a drive behind Z, in the pair of the program's language. The language's
-// index is kept by the error reporter, above this folder: reading it is the one call this file makes upwards.
+// The warning that the table has no room for a drive behind Z, in the pair of the program's language.
 void WarnDriveOverflow(HWND owner) {
   static const char *const kTitles[] = {"GetDriveInfomation", "ドライブ情報取得"};
   static const char *const kTexts[] = {

@@ -34,7 +34,6 @@ char extraLine[kPathSize] = "";
 // The attributes of the object of the report under way; bit 0 (read-only) brings the read-only remark.
 DWORD attributeWord = 0;
 
-int languageIndex = 1;
 const char *const kErrorOccurred[2] = {"Error occurred.", "ｴﾗｰが発生しました。"};
 
 // What stands in front of every text that comes from the system.
@@ -304,9 +303,7 @@ int ReportAccessProblem(DWORD code, const char *name, const char *path, HMODULE 
   return answer == IDNO ? 1 : -1;
 }
 
-int LanguageIndex(void) { return languageIndex; }
-void SetLanguageIndex(int index) { languageIndex = index; }
-const char *ErrorOccurredText(void) { return kErrorOccurred[languageIndex == 0 ? 0 : 1]; }
+const char *ErrorOccurredText(void) { return kErrorOccurred[LanguageIndex() == 0 ? 0 : 1]; }
 void SetNetworkMessagesQuiet(int value) { networkMessagesQuiet = value; }
 
 void ReportMissingLinkTarget(HWND window, const char *target) {

@@ -4,6 +4,8 @@
 #pragma once
 
 #include "platform/winapi.h"
+// LanguageIndex, which chooses the member of the text pairs here.
+#include "text/resource_strings.h"
 
 // The code that DescribeSystemError reads from GetLastError itself.
 const DWORD kCurrentLastError = 0xFFFFFFFFu;
@@ -34,9 +36,6 @@ void ReportBeep(unsigned style);
 // else `path` names the object; `module` and `titleId` give the title; `style` is the prompt's style. Result: 0 when
 // the error was no refused access, 1 when the caller is to stop (style 0, 48, or the answer no), -1 to go on.
 int ReportAccessProblem(DWORD code, const char *name, const char *path, HMODULE module, UINT titleId, UINT style);
-// Which member of the program's English and Japanese text pairs is shown: 0 English, 1 Japanese (the start value).
-int LanguageIndex(void);
-void SetLanguageIndex(int index);
 // The pair "Error occurred." / "ｴﾗｰが発生しました。", by LanguageIndex.
 const char *ErrorOccurredText(void);
 // 1: the network messages stay silent.

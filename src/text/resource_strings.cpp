@@ -10,6 +10,8 @@ char firstSlot[kStringSlotSize];
 char secondSlot[kStringSlotSize];
 // The module that LoadStrings loads from: 0, the program's own file.
 HMODULE stringInstance = nullptr;
+// The member of the English and Japanese text pairs: Japanese, and nothing in this tool changes it.
+int languageIndex = 1;
 
 const int kLoadRoom = 1040;
 const char kLoadFailed[] = "<失敗>";
@@ -70,3 +72,6 @@ void ReleaseStringBlockPair(StringBlockPair *record) {
     block->handle = nullptr;
   }
 }
+
+int LanguageIndex(void) { return languageIndex; }
+void SetLanguageIndex(int index) { languageIndex = index; }

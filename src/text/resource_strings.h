@@ -37,3 +37,9 @@ int LoadStringPairTo(StringBlockPair *record, HMODULE module, UINT firstId, UINT
                      char **secondOut);
 // Unlocks (where a pointer is kept) and frees each block of the pair, and zeroes its handle. Null does nothing.
 void ReleaseStringBlockPair(StringBlockPair *record);
+
+// Which member of the program's English and Japanese text pairs is shown: 0 English, 1 Japanese (the start value).
+// The pairs are compiled into the code beside the routines that show them (the reports, the machine's network
+// names), which is why the choice stands down here with the messages and not with any one of them.
+int LanguageIndex(void);
+void SetLanguageIndex(int index);

@@ -197,6 +197,11 @@ class OwnWinePrefix:
         return False
 
 
+def wine_prefix():
+    """The Wine prefix that the program's runs use: a test's own while one stands, else the build's."""
+    return _own_wine_prefix or _wine_prefix()
+
+
 def wine_command(args):
     """Runs a Windows command (reg, wineboot, ...) under Wine in the prefix that the program's runs use."""
     return subprocess.run([options().wine] + list(args), stdout=subprocess.PIPE, stderr=subprocess.PIPE,

@@ -1,11 +1,22 @@
-// Hooks by which tests steer the Linux backend's view of the machine: the mount table and the device folders from
-// which a drive's kind, its file system and its label are read, so that no test depends on the machine's own mounts.
-// Nothing outside tests/ includes this header. (The file system's own hooks are in platform/posix/files/testing.h.)
+// Hooks by which tests steer the Linux backend, so that no test depends on the machine's own mounts, shares or network:
+// those of the file system (files/testing.h: forced failures, the drive table, the mount table, the share table, the
+// runtime folder of gvfs) and those of the machine below (network interfaces, the devices behind the drives). Nothing
+// outside tests/ includes this header.
 #pragma once
 
-// Uses `mountInfo`, a text in the form of /proc/self/mountinfo, as the mount table (null: the machine's own again).
-void TestSetMountTable(const char *mountInfo);
+#include <cstddef>
+
+#include "platform/posix/files/testing.h"
+
+// The machine's network interfaces, in place of its own (null: the machine's own again): a list of items
+// "name=word,word" separated by ";", the words among "up", "running", "loopback" and "address" (it has an IPv4 or IPv6
+// address), e.g. "lo=up,running,loopback,address;eth0=up,running,address". GetSystemMetrics(SM_NETWORK) and
+// InternetGetConnectedState answer from it.
+void TestSetInterfaces(const char *interfaces);
+// How many times InternetGetConnectedState has been called since the process began.
+size_t TestConnectionQueries(void);
+
 // Reads the removable flags of block devices below `sysRoot` in place of /sys (its "dev/block/MAJOR:MINOR" links
 // lead to the devices' folders), and the labels from `labelFolder` in place of /dev/disk/by-label; null gives back
-// the machine's own.
+// the machine's own. The mount table itself is set with TestSetMountTable (files/testing.h).
 void TestSetDeviceFolders(const char *sysRoot, const char *labelFolder);

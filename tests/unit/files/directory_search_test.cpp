@@ -5,9 +5,11 @@
 
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include "reports/last_error.h"
 #include "support/scratch_folder.h"
+#include "support/test_share.h"
 
 namespace {
 
@@ -95,6 +97,32 @@ TEST(DirectorySearch, ExactFindOfOnePath) {
   record.nFileSizeHigh = 1;
   record.nFileSizeLow = 2;
   EXPECT_EQ(FoundEntrySize(&record), 0x100000002ull);
+}
+
+// A pattern on a share that answers goes to the file system, in UNC form and in the network view's form alike, and
+// the pattern's string is as it was when the call returns, though the view's was made real in place for the call.
+TEST(DirectorySearch, ListingsOnAShare) {
+  TestShare share;
+  if (!share.Available()) GTEST_SKIP() << share.Why();
+  share.MakeFile("a.lnk");
+  share.MakeFolder("sub");
+  share.MakeFile("sub\\b.lnk");
+  const std::string view = "\\:\\WORKGROUP\\" + std::string(TestShare::Server()) + "\\" + share.Share();
+  for (const std::string &pattern :
+       {share.Unc("*.*"), share.Unc("sub\\*.lnk"), view + "\\*.*", view + "\\sub\\*.lnk"}) {
+    PathBuffer buffer(pattern);
+    FindHandle handle = {nullptr, nullptr};
+    FindRecord record;
+    std::vector<std::string> names;
+    int status = FindFirstEntry(&handle, buffer.bytes, &record);
+    EXPECT_EQ(buffer.Text(), pattern);
+    for (; status == 0; status = FindNextEntry(&handle, &record)) names.push_back(record.cFileName);
+    EXPECT_EQ(status, 1) << pattern;
+    const std::vector<std::string> expected = pattern.find("\\sub\\") != std::string::npos
+                                                  ? std::vector<std::string>{"b.lnk"}
+                                                  : std::vector<std::string>{".", "..", "a.lnk", "sub"};
+    EXPECT_EQ(names, expected) << pattern;
+  }
 }
 
 }  // namespace

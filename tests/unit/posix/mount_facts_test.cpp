@@ -123,7 +123,7 @@ TEST(MountInfo, Lines) {
       {"41 20 0:50 / /mnt/back\\134slash rw - cifs //srv/my\\040share rw", true, 0, 50, "/mnt/back\\slash", "cifs",
        "//srv/my share"},
       {"42 20 0:51 / /mnt/x rw - fuse.sshfs me@host:/home rw", true, 0, 51, "/mnt/x", "fuse.sshfs", "me@host:/home"},
-      {"43 20 0:52 / /mnt/\\0401 rw - tmpfs", true, 0, 52, "/mnt/ 1", "tmpfs", ""},              // no source
+      {"43 20 0:52 / /mnt/\\0401 rw - tmpfs tmpfs rw", true, 0, 52, "/mnt/ 1", "tmpfs", "tmpfs"},
       {"44 20 0:53 / /mnt/\\09 rw - tmpfs none rw", true, 0, 53, "/mnt/\\09", "tmpfs", "none"},  // no escape
       {"garbage", false, 0, 0, "", "", ""},
       {"1 2 3:4 / /x rw", false, 0, 0, "", "", ""},                  // no separator, no type

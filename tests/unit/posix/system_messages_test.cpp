@@ -111,9 +111,11 @@ TEST_F(SystemMessages, ErrnoTexts) {
 
 // Every error that the errno table can give has a text.
 TEST_F(SystemMessages, EveryMappedErrorHasAText) {
-  const int errors[] = {ENOENT, ENOTDIR, EACCES,       EPERM, EISDIR, EEXIST, ENOTEMPTY, ENOSPC,
-                        EDQUOT, EROFS,   ENAMETOOLONG, ELOOP, EXDEV,  EBUSY,  ETXTBSY,   EMFILE,
-                        ENFILE, ENOMEM,  EINVAL,       EBADF, EIO,    EPROTO};
+  const int errors[] = {ENOENT,       ENOTDIR,   EACCES,       EPERM,       EISDIR,       EEXIST,
+                        ENOTEMPTY,    ENOSPC,    EDQUOT,       EROFS,       ENAMETOOLONG, ELOOP,
+                        EXDEV,        EBUSY,     ETXTBSY,      EMFILE,      ENFILE,       ENOMEM,
+                        EINVAL,       EBADF,     EIO,          EPROTO,      ENOTCONN,     ECONNRESET,
+                        ECONNABORTED, EHOSTDOWN, EHOSTUNREACH, ENETUNREACH, ECONNREFUSED, ETIMEDOUT};
   for (int error : errors) EXPECT_EQ(Message(ErrorFromErrno(error)).find("<none"), std::string::npos) << error;
 }
 

@@ -35,6 +35,16 @@ const ErrnoRow kErrnoRows[] = {
     {EINVAL, ERROR_INVALID_PARAMETER},
     {EBADF, ERROR_INVALID_HANDLE},
     {EIO, ERROR_IO_DEVICE},
+    // A share whose server cannot be reached any more answers with the network's words, which the engine knows for
+    // network errors: a lost connection, a server that is down or out of reach, a refusal, a time-out.
+    {ENOTCONN, ERROR_NETNAME_DELETED},
+    {ECONNRESET, ERROR_NETNAME_DELETED},
+    {ECONNABORTED, ERROR_NETNAME_DELETED},
+    {EHOSTDOWN, ERROR_BAD_NETPATH},
+    {EHOSTUNREACH, ERROR_BAD_NETPATH},
+    {ENETUNREACH, ERROR_NETWORK_UNREACHABLE},
+    {ECONNREFUSED, ERROR_CONNECTION_REFUSED},
+    {ETIMEDOUT, ERROR_SEM_TIMEOUT},
 };
 
 }  // namespace

@@ -5,9 +5,11 @@
 //
 // Drives come from the drive table (see drive_table.h): from KELMARO_DRIVES when it is set (Z: is "/" unless it says
 // otherwise), else from the links of a Wine prefix's dosdevices folder (WINEPREFIX, else ~/.wine), else Z: alone as
-// "/". Names are matched without case, as Windows matches them; listings come in NTFS order. Each operation sets the
-// last error as Windows does for the same input; where this backend answers differently from Windows, the comment at
-// the operation says so. Paths obey Windows' rules (see path_resolver.h), with these Linux facts showing through:
+// "/". Network shares ("\\server\share") come from the share table (KELMARO_SHARES, then the cifs and smb3 mounts,
+// then gvfs's; see share_table.h), so that a path of the network reaches every operation here as a drive path does.
+// Names are matched without case, as Windows matches them; listings come in NTFS order. Each operation sets the last
+// error as Windows does for the same input; where this backend answers differently from Windows, the comment at the
+// operation says so. Paths obey Windows' rules (see path_resolver.h), with these Linux facts showing through:
 // - A symbolic link shows as Windows shows its own: FILE_ATTRIBUTE_REPARSE_POINT beside the attributes of its target,
 //   so a link to a folder is a folder, as a junction is; a link to nothing, or a loop of links, is a file. A path
 //   through more than 40 links fails with ERROR_CANT_RESOLVE_FILENAME, as Windows fails beyond 63 reparse points.
@@ -110,8 +112,10 @@ typedef struct _OVERLAPPED OVERLAPPED, *LPOVERLAPPED;
 #define ERROR_GEN_FAILURE 31
 #define ERROR_SHARING_VIOLATION 32
 #define ERROR_BAD_NETPATH 53
+#define ERROR_NETNAME_DELETED 64
 #define ERROR_FILE_EXISTS 80
 #define ERROR_DISK_FULL 112
+#define ERROR_SEM_TIMEOUT 121
 #define ERROR_INVALID_NAME 123
 #define ERROR_DIR_NOT_ROOT 144
 #define ERROR_DIR_NOT_EMPTY 145
@@ -122,18 +126,21 @@ typedef struct _OVERLAPPED OVERLAPPED, *LPOVERLAPPED;
 #define ERROR_MORE_DATA 234
 #define ERROR_DIRECTORY 267
 #define ERROR_IO_DEVICE 1117
+#define ERROR_CONNECTION_REFUSED 1225
+#define ERROR_NETWORK_UNREACHABLE 1231
 #define ERROR_DISK_QUOTA_EXCEEDED 1295
 #define ERROR_CANT_RESOLVE_FILENAME 1921
 
 // ---- Listing a folder ----------------------------------------------------------------------------------------------
-// FindFirstFileA reads the folder once and keeps the matching entries: "." and ".." first (not at a drive root), then
+// FindFirstFileA reads the folder once and keeps the matching entries: "." and ".." first (not at a drive root; at the
+// root of a share, as a server lists a shared folder), then
 // the rest in NTFS order (by the upper-cased UTF-16 name). The mask is matched as NTFS matches it (see DosMask in
 // path_names.h); there are no short names, so a mask never matches through one ("*.lnk" does not find "a.lnkx", which
 // Windows finds through the short name A~1.LNK where short names are made). A mask without wildcards finds its one
 // entry, without reading the folder when it is spelled as on disk. Errors: ERROR_FILE_NOT_FOUND (no match, or a pattern
 // ending in "\"), ERROR_PATH_NOT_FOUND (no such folder, an empty pattern, an unmapped drive), ERROR_INVALID_NAME (a
 // wildcard in the folder part, or a file in its place), ERROR_FILENAME_EXCED_RANGE (over MAX_PATH characters),
-// ERROR_ACCESS_DENIED, ERROR_BAD_NETPATH (any network path: there is no network here).
+// ERROR_ACCESS_DENIED, ERROR_BAD_NETPATH (a share that is not mapped, or a server alone: "\\srv\*").
 HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData);
 // The next entry; FALSE with ERROR_NO_MORE_FILES at the end (and on every call after it), ERROR_INVALID_HANDLE for a
 // handle that is not an open search. An entry deleted since the listing was read is passed over.
@@ -188,7 +195,8 @@ int _access(const char *path, int mode);
 
 // ---- Paths and folders ---------------------------------------------------------------------------------------------
 // The current folder in drive form, without a trailing backslash except at a root. At start it is the process's
-// folder by the longest mapped root; if no drive holds it, the root of the first mapped drive. Returns the length
+// folder by the longest mapped root; if no drive holds it, by the mapped share that holds it ("\\srv\share\dir");
+// if none does either, the root of the first mapped drive. Returns the length
 // without terminator, or the size needed with it when the buffer is too small.
 DWORD GetCurrentDirectoryA(DWORD bufferLength, LPSTR buffer);
 // Makes an existing folder current; it is kept as given (made full), so its case is the caller's, as on Windows.
@@ -218,8 +226,8 @@ UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
 // The kind of a mapped drive whose folder exists, named by any path on it ("X:", "X:\", "X:\dir\"; null: the current
 // drive), from the mount that holds the drive's folder: DRIVE_RAMDISK (tmpfs, ramfs), DRIVE_CDROM (iso9660, udf),
 // DRIVE_REMOTE (cifs, smb3, nfs, fuse.sshfs), DRIVE_REMOVABLE (a block device whose disk /sys calls removable),
-// DRIVE_FIXED for the rest and where the mount cannot be told. DRIVE_NO_ROOT_DIR for anything else, network roots
-// included.
+// DRIVE_FIXED for the rest and where the mount cannot be told. DRIVE_REMOTE for a path on a share that the share table
+// maps and that can be reached ("\\server\share\"); DRIVE_NO_ROOT_DIR for anything else.
 UINT GetDriveTypeA(LPCSTR rootPathName);
 // One bit per drive that is there, whatever its kind, bit 0 for A:.
 DWORD GetLogicalDrives(void);
@@ -229,7 +237,8 @@ DWORD GetLogicalDrives(void);
 // and its file system's name as Windows spells it where it has one ("FAT32" for vfat, "FAT" for msdos, "NTFS" for
 // ntfs, ntfs3 and ntfs-3g, "exFAT", "CDFS" for iso9660, "UDF"), else the Linux type in capitals ("EXT4", "TMPFS").
 // ERROR_BAD_LENGTH when the label or the name does not fit its buffer, ERROR_DIR_NOT_ROOT for a folder that is not a
-// root, ERROR_PATH_NOT_FOUND for an unmapped drive, ERROR_BAD_NETPATH for a network root.
+// root, ERROR_PATH_NOT_FOUND for an unmapped drive. The root of a mapped share ("\\server\share\") is the volume of
+// the folder where it is mounted; ERROR_BAD_NETPATH for a share that is not mapped.
 BOOL GetVolumeInformationA(LPCSTR rootPathName, LPSTR volumeNameBuffer, DWORD volumeNameSize,
                            LPDWORD volumeSerialNumber, LPDWORD maximumComponentLength, LPDWORD fileSystemFlags,
                            LPSTR fileSystemNameBuffer, DWORD fileSystemNameSize);

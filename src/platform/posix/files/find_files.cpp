@@ -73,7 +73,7 @@ bool GiveNext(OpenSearch *search, WIN32_FIND_DATAA *data) {
 }
 
 // Reads the folder and keeps the names that match, in NTFS order with "." and ".." first. Result: 0 or an error.
-DWORD ReadFolder(const std::string &linux, bool isRoot, const std::u16string &dosMask, OpenSearch *search) {
+DWORD ReadFolder(const std::string &linux, bool isDriveRoot, const std::u16string &dosMask, OpenSearch *search) {
   int folder = open(linux.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (folder < 0) return ErrorFromErrno(errno);
   CountFolderRead();
@@ -94,7 +94,8 @@ DWORD ReadFolder(const std::string &linux, bool isRoot, const std::u16string &do
   while (struct dirent *entry = readdir(dir)) {
     std::string name = entry->d_name;
     bool isDots = name == "." || name == "..";
-    if (isDots && isRoot) continue;  // a drive root has neither, as on NTFS
+    // A drive root has neither, as on NTFS. The root of a share has both, as a server lists a shared folder.
+    if (isDots && isDriveRoot) continue;
     std::u16string folded = FoldName(Utf8ToUtf16(name));
     if (!MatchesDosMask(folded, dosMask)) continue;
     if (name == ".")
@@ -146,7 +147,7 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
     // One entry by its name, as the exact-name walk asks for each name of a path. When it is found, every folder on
     // its way was found as a folder, so the checks below would all pass: one look-up of the path instead of two.
     DiskPath entry;
-    if (FindOnDisk(full, &entry) == 0 && entry.exists && !ForcedListingFailure(folderPath, &error)) {
+    if (FindOnDisk(full, &entry) == 0 && entry.exists && !entry.isRoot && !ForcedListingFailure(folderPath, &error)) {
       search.single = true;
       search.singleFacts = entry.facts;
       search.singleName = entry.diskName;
@@ -170,14 +171,15 @@ HANDLE FindFirstFileA(LPCSTR fileName, LPWIN32_FIND_DATAA findData) {
     // The folder is good, so a bad name can only be the last one, which no entry can have: "a|b" finds nothing.
     if (error == ERROR_INVALID_NAME) error = ERROR_FILE_NOT_FOUND;
     if (error != 0) return Fail(error);
-    if (!entry.exists) return Fail(ERROR_FILE_NOT_FOUND);
+    // FindFirstFile("\\server\share"): a root is no entry of a folder, of a drive or of a share.
+    if (!entry.exists || entry.isRoot) return Fail(ERROR_FILE_NOT_FOUND);
     search.single = true;
     search.singleFacts = entry.facts;
     search.singleName = entry.diskName;
   } else {
     // The dot that making the path full took from the end of "*." still counts for the mask.
     bool endedInDot = !given.empty() && given.back() == u'.';
-    error = ReadFolder(folder.linux, folder.isRoot, DosMask(mask, endedInDot), &search);
+    error = ReadFolder(folder.linux, folder.isRoot && !folder.onShare, DosMask(mask, endedInDot), &search);
     if (error != 0) return Fail(error);
   }
   return Opened(&search, findData);

@@ -15,6 +15,7 @@
 #include "platform/posix/files/drive_table.h"
 #include "platform/posix/files/error_codes.h"
 #include "platform/posix/files/fault_table.h"
+#include "platform/posix/files/share_table.h"
 #include "platform/posix/text/path_names.h"
 
 namespace {
@@ -81,11 +82,26 @@ std::u16string Normalise(const std::u16string &root, const std::u16string &rest)
   return full;
 }
 
-// The root of the current drive: "C:\" (or "\\server\share\" if the current folder were on the network).
+// The length of the root of a full path: 3 for "X:\"; for a path of the network, that of "\\server\share\", or of
+// "\\server\share" where the path ends behind the share. 0 for a path with neither (a server alone, "\\server").
+size_t RootLength(const std::u16string &full) {
+  if (full.size() >= 3 && IsLetter(full[0]) && full[1] == u':' && full[2] == u'\\') return 3;
+  if (full.size() < 3 || full[0] != u'\\' || full[1] != u'\\') return 0;
+  size_t serverEnd = full.find(u'\\', 2);
+  if (serverEnd == std::u16string::npos || serverEnd == 2 || serverEnd + 1 == full.size()) return 0;
+  size_t shareEnd = full.find(u'\\', serverEnd + 1);
+  if (shareEnd == serverEnd + 1) return 0;
+  return shareEnd == std::u16string::npos ? full.size() : shareEnd + 1;
+}
+
+// The root of the current folder with its backslash: "C:\", or "\\server\share\" for a current folder on a share.
 std::u16string CurrentRoot() {
   const std::u16string &current = CurrentFolder();
-  if (current.size() >= 2 && current[1] == u':') return current.substr(0, 2) + u"\\";
-  return u"\\";
+  size_t length = RootLength(current);
+  if (length == 0) return u"\\";
+  std::u16string root = current.substr(0, length);
+  if (root.back() != u'\\') root += u'\\';
+  return root;
 }
 
 std::string JoinLinux(const std::string &folder, const std::string &name) {
@@ -254,8 +270,8 @@ bool MakeFullPath(const std::u16string &given, std::u16string *full) {
     rest = path.substr(1);
   } else {
     const std::u16string &current = CurrentFolder();
-    root = current.substr(0, 3);
-    rest = current.substr(3) + u"\\" + path;
+    root = CurrentRoot();
+    rest = (root.size() <= current.size() ? current.substr(root.size()) : std::u16string()) + u"\\" + path;
   }
   *full = Normalise(root, rest);
   return true;
@@ -282,32 +298,48 @@ std::string DriveRootOf(char16_t letter) {
 DWORD FindOnDisk(const std::u16string &full, DiskPath *path) {
   *path = DiskPath();
   path->full = full;
-  if (full.size() >= 2 && full[0] == u'\\' && full[1] == u'\\') return ERROR_BAD_NETPATH;
-  if (full.size() < 3 || !IsLetter(full[0]) || full[1] != u':' || full[2] != u'\\') return ERROR_PATH_NOT_FOUND;
-  std::string root = DriveRootOf(full[0]);
-  if (root.empty()) return ERROR_PATH_NOT_FOUND;
+  std::string root;
+  size_t rootLength = RootLength(full);
+  // A root that is missing or is no folder: a drive that is not there, or a share that cannot be reached.
+  DWORD missingRoot = ERROR_PATH_NOT_FOUND;
+  if (full.size() >= 2 && full[0] == u'\\' && full[1] == u'\\') {
+    // "\\server\share\..." is found in the folder where the share is mounted. A share that no source maps, a server
+    // alone, and the device paths ("\\?\", "\\.\") are ERROR_BAD_NETPATH, as Windows answers for a server that is
+    // not there.
+    if (rootLength == 0) return ERROR_BAD_NETPATH;
+    size_t serverEnd = full.find(u'\\', 2);
+    size_t shareEnd = full[rootLength - 1] == u'\\' ? rootLength - 1 : rootLength;
+    if (!ShareFolder(full.substr(2, serverEnd - 2), full.substr(serverEnd + 1, shareEnd - serverEnd - 1), &root))
+      return ERROR_BAD_NETPATH;
+    path->onShare = true;
+    missingRoot = ERROR_BAD_NETPATH;
+  } else {
+    if (rootLength != 3) return ERROR_PATH_NOT_FOUND;
+    root = DriveRootOf(full[0]);
+    if (root.empty()) return ERROR_PATH_NOT_FOUND;
+  }
 
   // The names behind the root are checked, and joined as written into the Linux path, without splitting the path
   // into a list of names: nearly every path is found as written, and each costs only this and one call.
   bool hasNames = false;
-  for (size_t i = 3; i < full.size(); ++i) {
+  for (size_t i = rootLength; i < full.size(); ++i) {
     if (full[i] == u'\\') continue;
     if (IsBadNameUnit(full[i])) return ERROR_INVALID_NAME;
     hasNames = true;
   }
-  path->endsInSeparator = full.size() > 3 && full.back() == u'\\';
+  path->endsInSeparator = full.size() > rootLength && full.back() == u'\\';
 
   if (!hasNames) {
     path->isRoot = true;
     path->linux = root;
     int error = ReadEntryFacts(AT_FDCWD, root.c_str(), &path->facts);
-    if (error != 0 || !path->facts.isDirectory) return ERROR_PATH_NOT_FOUND;
+    if (error != 0 || !path->facts.isDirectory) return missingRoot;
     path->exists = true;
     return 0;
   }
 
   // Every name as written: one call.
-  std::string rest = Utf16ToUtf8(full.substr(3));
+  std::string rest = Utf16ToUtf8(full.substr(rootLength));
   std::string linux;
   linux.reserve(root.size() + rest.size() + 1);
   linux = root;
@@ -334,7 +366,7 @@ DWORD FindOnDisk(const std::u16string &full, DiskPath *path) {
     std::vector<std::string> names = SplitNonEmpty(rest, '\\');
     std::string folder = root;
     EntryFacts facts;
-    if (ReadEntryFacts(AT_FDCWD, root.c_str(), &facts) != 0 || !facts.isDirectory) return ERROR_PATH_NOT_FOUND;
+    if (ReadEntryFacts(AT_FDCWD, root.c_str(), &facts) != 0 || !facts.isDirectory) return missingRoot;
     for (size_t k = 0; k < names.size(); ++k) {
       bool last = k + 1 == names.size();
       std::string candidate = JoinLinux(folder, names[k]);
@@ -369,6 +401,19 @@ DWORD FindOnDisk(const std::u16string &full, DiskPath *path) {
   return 0;
 }
 
+DWORD FindShareRoot(const std::u16string &path, std::string *linuxFolder, bool *isRoot) {
+  std::u16string full;
+  if (path.size() < 2 || path[0] != path[1] || (path[0] != u'\\' && path[0] != u'/') || !MakeFullPath(path, &full))
+    return ERROR_BAD_NETPATH;
+  size_t rootLength = RootLength(full);
+  if (rootLength == 0) return ERROR_BAD_NETPATH;
+  DiskPath root;
+  if (FindOnDisk(full.substr(0, rootLength), &root) != 0 || !root.exists) return ERROR_BAD_NETPATH;
+  *linuxFolder = root.linux;
+  *isRoot = full.size() == rootLength;
+  return 0;
+}
+
 DWORD FindProgramPath(const char *path, DiskPath *found) {
   *found = DiskPath();
   std::u16string wide, full;
@@ -384,7 +429,10 @@ const std::u16string &CurrentFolder(void) {
     state.folder.clear();
     std::vector<char> buffer(4096);
     std::string drivePath;
-    if (getcwd(buffer.data(), buffer.size()) && LinuxPathToDrivePath(buffer.data(), &drivePath))
+    // By the drive that holds the process's folder, or else by the share that holds it, as the command line names
+    // such a folder.
+    if (getcwd(buffer.data(), buffer.size()) &&
+        (LinuxPathToDrivePath(buffer.data(), &drivePath) || LinuxPathToSharePath(buffer.data(), &drivePath)))
       state.folder = Utf8ToUtf16(drivePath);
     for (char letter = 'A'; state.folder.empty() && letter <= 'Z'; ++letter)
       if (!DriveRoot(letter).empty()) state.folder = std::u16string(1, static_cast<char16_t>(letter)) + u":\\";

@@ -26,7 +26,8 @@ struct DiskPath {
   std::u16string full;   // the full Windows path
   std::string linux;     // its Linux path, each name that was found in its spelling on disk
   std::string diskName;  // the last name, as on disk (as given when it was not found; empty for a root)
-  bool isRoot = false;   // a drive root
+  bool isRoot = false;   // a drive root, or the root of a share
+  bool onShare = false;  // reached through the share table ("\\server\share\...")
   bool exists = false;   // the last name was found; `facts` describe it
   bool endsInSeparator = false;
   EntryFacts facts;
@@ -37,11 +38,19 @@ struct DiskPath {
 // for it (the first in listing order wins when several differ only in case). Result: 0 when the folder that would hold
 // the last name is there (whether the last name is found is `exists`); ERROR_PATH_NOT_FOUND when a folder on the way is
 // missing or a file, or the drive is not mapped; ERROR_INVALID_NAME for a name with a character no Windows name holds
-// (* ? < > : " | and controls), or for a file named with a trailing "\"; ERROR_BAD_NETPATH for a network or device
-// path; ERROR_ACCESS_DENIED for a folder that cannot be searched.
+// (* ? < > : " | and controls), or for a file named with a trailing "\"; ERROR_ACCESS_DENIED for a folder that
+// cannot be searched. A path of the network ("\\server\share\...") is found in the folder where the share table
+// says the share is mounted; ERROR_BAD_NETPATH for a share that no source maps or whose folder cannot be reached, for
+// a server alone and for a device path.
 DWORD FindOnDisk(const std::u16string &full, DiskPath *path);
 // The same for a path as the program gives it: converted, checked for length and made full first.
 DWORD FindProgramPath(const char *path, DiskPath *found);
+
+// The share that a path of the network lies on ("\\srv\sh", "\\srv\sh\", "\\srv\sh\dir", made full first): the Linux
+// folder of its root, and whether the path is that root. Result: 0; ERROR_BAD_NETPATH for a path that is on no share
+// that the share table maps (a server alone, a device path, a path that is not of the network), or whose share
+// cannot be reached.
+DWORD FindShareRoot(const std::u16string &path, std::string *linuxFolder, bool *isRoot);
 
 // The current folder, full, in drive form (see GetCurrentDirectoryA in files.h).
 const std::u16string &CurrentFolder(void);

@@ -1,4 +1,5 @@
-// Hooks by which tests steer the Linux backend's file system: forced failures of its operations and the drive table.
+// Hooks by which tests steer the Linux backend's file system: forced failures of its operations, the drive table and
+// the sources of the share table.
 // Nothing outside tests/ includes this header.
 #pragma once
 
@@ -26,3 +27,11 @@ size_t TestFolderReads(void);
 // from the Wine prefix that WINEPREFIX or HOME names, if there is one, else Z: alone is "/". The unit tests run with
 // a HOME of their own and no WINEPREFIX (support/host_environment.cpp), so there null gives Z: alone.
 void TestSetDrives(const char *drives);
+
+// The sources of the share table, in place of the machine's own: `shares` in the form of KELMARO_SHARES
+// ("\\srv\share=/mnt/srv/share;...", null: none set); `text` as the mount table, in the form of /proc/self/mountinfo
+// (null: the machine's own); `folder` in place of XDG_RUNTIME_DIR, where gvfs keeps its mounts in "gvfs" (null: the
+// environment's). Each reads the share table anew; a new share table also reads the current folder anew.
+void TestSetShares(const char *shares);
+void TestSetMountTable(const char *text);
+void TestSetRuntimeFolder(const char *folder);

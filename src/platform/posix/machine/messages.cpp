@@ -43,9 +43,11 @@ const MessageRow kMessageRows[] = {
     {ERROR_GEN_FAILURE, 0, "The system call failed.", "システムの呼び出しに失敗しました。"},
     {ERROR_SHARING_VIOLATION, ETXTBSY, nullptr, nullptr},
     {ERROR_BAD_NETPATH, 0, "The network path is not there.", "ネットワークのパスが見つかりません。"},
+    {ERROR_NETNAME_DELETED, ENOTCONN, nullptr, nullptr},
     {ERROR_FILE_EXISTS, EEXIST, nullptr, nullptr},
     {ERROR_INVALID_PARAMETER, EINVAL, nullptr, nullptr},
     {ERROR_DISK_FULL, ENOSPC, nullptr, nullptr},
+    {ERROR_SEM_TIMEOUT, ETIMEDOUT, nullptr, nullptr},
     {ERROR_INSUFFICIENT_BUFFER, 0, "The buffer is too small.", "バッファーが小さすぎます。"},
     // The one text with a place for the name of the object: a name is refused for its form, not for what it names.
     {ERROR_INVALID_NAME, 0, "The name %1 is not valid.", "名前 %1 は使えません。"},
@@ -60,6 +62,8 @@ const MessageRow kMessageRows[] = {
     {ERROR_MORE_DATA, 0, "More data is there.", "データがまだあります。"},
     {ERROR_DIRECTORY, ENOTDIR, nullptr, nullptr},
     {ERROR_IO_DEVICE, EIO, nullptr, nullptr},
+    {ERROR_CONNECTION_REFUSED, ECONNREFUSED, nullptr, nullptr},
+    {ERROR_NETWORK_UNREACHABLE, ENETUNREACH, nullptr, nullptr},
     {ERROR_DISK_QUOTA_EXCEEDED, EDQUOT, nullptr, nullptr},
     {ERROR_CANT_RESOLVE_FILENAME, ELOOP, nullptr, nullptr},
 };

@@ -26,8 +26,7 @@ struct DeviceFacts {
 
 // The table in force, read again whenever the machine's table changes; tests put a text of their own in its place.
 struct MountState {
-  bool fromTest = false;
-  std::string testText;
+  unsigned testGeneration = 0;  // the test table's count when the table was last read
   std::string sysRoot = "/sys";
   std::string labelFolder = "/dev/disk/by-label";
   int table = -1;  // /proc/self/mountinfo, kept open: a mount or unmount makes poll report POLLPRI on it
@@ -40,24 +39,6 @@ struct MountState {
 MountState &State() {
   static MountState state;
   return state;
-}
-
-// Undoes the octal escapes by which the mount table writes a blank, a tab, a line end or a backslash ("\040").
-std::string Unescape(const std::string &field) {
-  std::string out;
-  for (size_t i = 0; i < field.size(); ++i) {
-    bool octal = field[i] == '\\' && i + 3 < field.size();
-    if (octal)
-      for (size_t k = 1; k <= 3; ++k) octal = octal && field[i + k] >= '0' && field[i + k] <= '7';
-    if (octal) {
-      out.push_back(
-          static_cast<char>(((field[i + 1] - '0') << 6) | ((field[i + 2] - '0') << 3) | (field[i + 3] - '0')));
-      i += 3;
-    } else {
-      out.push_back(field[i]);
-    }
-  }
-  return out;
 }
 
 bool ReadWhole(int descriptor, std::string *text) {
@@ -74,9 +55,13 @@ bool ReadWhole(int descriptor, std::string *text) {
 
 const std::vector<MountEntry> *CurrentMounts() {
   MountState &state = State();
-  if (state.fromTest) {
+  if (state.testGeneration != MountTableTestGeneration()) {
+    state.testGeneration = MountTableTestGeneration();
+    state.loaded = false;
+  }
+  if (const std::string *text = TestMountTableText()) {
     if (!state.loaded) {
-      state.mounts = ParseMountInfo(state.testText);
+      state.mounts = ParseMountInfo(*text);
       state.devices.clear();
       state.folders.clear();
       state.loaded = true;
@@ -158,46 +143,6 @@ bool IsNfs(const std::string &type) {
 
 }  // namespace
 
-std::vector<MountEntry> ParseMountInfo(const std::string &text) {
-  std::vector<MountEntry> mounts;
-  std::istringstream lines(text);
-  std::string line;
-  while (std::getline(lines, line)) {
-    // id parent major:minor root mount-point options [optional fields...] - type source super-options
-    std::istringstream fields(line);
-    std::string id, parent, device, root, mountPoint, options, field;
-    if (!(fields >> id >> parent >> device >> root >> mountPoint >> options)) continue;
-    while (fields >> field && field != "-") {
-    }
-    MountEntry entry;
-    if (field != "-" || !(fields >> entry.type)) continue;
-    fields >> entry.source;
-    size_t colon = device.find(':');
-    if (colon == std::string::npos) continue;
-    char *end = nullptr;
-    entry.major = static_cast<unsigned>(std::strtoul(device.c_str(), &end, 10));
-    if (end != device.c_str() + colon) continue;
-    entry.minor = static_cast<unsigned>(std::strtoul(device.c_str() + colon + 1, &end, 10));
-    if (*end != 0) continue;
-    entry.mountPoint = Unescape(mountPoint);
-    entry.type = Unescape(entry.type);
-    entry.source = Unescape(entry.source);
-    mounts.push_back(entry);
-  }
-  return mounts;
-}
-
-const MountEntry *MountHolding(const std::vector<MountEntry> &mounts, const std::string &path) {
-  const MountEntry *best = nullptr;
-  for (const MountEntry &mount : mounts) {
-    const std::string &point = mount.mountPoint;
-    bool holds = point == "/" || path == point ||
-                 (path.size() > point.size() && path.compare(0, point.size(), point) == 0 && path[point.size()] == '/');
-    if (holds && (best == nullptr || point.size() >= best->mountPoint.size())) best = &mount;
-  }
-  return best;
-}
-
 bool MountOfFolder(const std::string &folder, MountEntry *mount) {
   const std::vector<MountEntry> *mounts = CurrentMounts();
   if (mounts == nullptr) return false;
@@ -274,15 +219,6 @@ std::string VolumeLabelOfMount(const MountEntry &mount) {
   }
   closedir(labels);
   return label;
-}
-
-void TestSetMountTable(const char *mountInfo) {
-  MountState &state = State();
-  state.fromTest = mountInfo != nullptr;
-  state.testText = mountInfo ? mountInfo : "";
-  state.loaded = false;
-  state.devices.clear();
-  state.folders.clear();
 }
 
 void TestSetDeviceFolders(const char *sysRoot, const char *labelFolder) {

@@ -8,21 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/posix/files/mount_table.h"
 #include "platform/winapi.h"
-
-// One line of the mount table.
-struct MountEntry {
-  unsigned major = 0, minor = 0;  // the device; major 0 is a file system without a block device (tmpfs, proc, nfs)
-  std::string mountPoint;         // octal escapes ("\040" for a blank) undone
-  std::string type;               // "ext4", "fuseblk", "fuse.sshfs"
-  std::string source;             // "/dev/sda1", "//server/share", "tmpfs"
-};
-
-// The lines of a mountinfo text, in their order. A line that does not have the form is passed over.
-std::vector<MountEntry> ParseMountInfo(const std::string &text);
-// The entry of `mounts` that holds the absolute path `path`: the longest mount point that is the path or a folder
-// above it, and of equal ones the later, which hides the earlier. Null when none holds it.
-const MountEntry *MountHolding(const std::vector<MountEntry> &mounts, const std::string &path);
 
 // The mount that holds a Linux folder, its symbolic links followed first. The answer for a folder is kept until the
 // table changes (a folder's links that are pointed elsewhere meanwhile are not seen). Result: false when the folder

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/posix/files/drive_table.h"
+#include "platform/posix/files/share_table.h"
 #include "platform/posix/text/charset.h"
 #include "platform/winapi.h"
 
@@ -42,6 +43,13 @@ std::string AbsoluteLinuxPath(const std::string &name) {
   return path.empty() ? "/" : path;
 }
 
+// The Windows name of an absolute Linux folder: its drive form by the longest mapped root, or, where no drive holds
+// it, its UNC form by the mapped share that holds it (the name Windows would have for a folder on a share that has no
+// drive letter). Result: false when neither holds it.
+bool WindowsFormOf(const std::string &linuxPath, std::string *windowsPath) {
+  return LinuxPathToDrivePath(linuxPath, windowsPath) || LinuxPathToSharePath(linuxPath, windowsPath);
+}
+
 }  // namespace
 
 DWORD GetLastError(void) { return lastError; }
@@ -63,10 +71,10 @@ void PlatformStartup(int *argc, char ***argv) {
     std::string arg = (*argv)[i];
     struct stat info;
     std::string drivePath;
-    // A folder named the Linux way is handed over in the drive form that the program understands; its name is taken
-    // as it stands on disk, in UTF-8.
+    // A folder named the Linux way is handed over in the drive form that the program understands (or the UNC form
+    // where only a share holds it); its name is taken as it stands on disk, in UTF-8.
     if (i > 0 && !arg.empty() && arg[0] == '/' && stat(arg.c_str(), &info) == 0 && S_ISDIR(info.st_mode) &&
-        LinuxPathToDrivePath(arg, &drivePath))
+        WindowsFormOf(arg, &drivePath))
       texts.push_back(Utf8ToCp932(drivePath));
     else
       texts.push_back(LocaleToCp932(arg));
@@ -89,7 +97,7 @@ const char *PlatformFolderArgument(const char *text) {
   if (stat(name.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) return text;
   std::string drivePath;
   std::string absolute = AbsoluteLinuxPath(name);
-  if (absolute.empty() || !LinuxPathToDrivePath(absolute, &drivePath)) return text;
+  if (absolute.empty() || !WindowsFormOf(absolute, &drivePath)) return text;
   converted = Utf8ToCp932(drivePath);
   return converted.c_str();
 }

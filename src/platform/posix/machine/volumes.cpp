@@ -42,6 +42,11 @@ bool DriveIsThere(char16_t letter) {
 
 std::u16string CurrentDriveRoot() { return CurrentFolder().substr(0, 3); }
 
+// True for a path that begins with two separators: a path of the network.
+bool IsNetworkHead(const std::u16string &path) {
+  return path.size() >= 2 && (path[0] == u'\\' || path[0] == u'/') && (path[1] == u'\\' || path[1] == u'/');
+}
+
 // The kind of drive whose folder is `folder`, from the mount that holds it; a folder whose mount cannot be told is
 // taken for an ordinary disk.
 UINT DriveTypeOfFolder(const std::string &folder) {
@@ -69,6 +74,10 @@ DWORD VolumeOf(LPCSTR path, struct statvfs *volume) {
 UINT GetDriveTypeA(LPCSTR rootPathName) {
   // Any path on a drive tells that drive's type, as Windows answers for "C:\Windows\" too.
   std::u16string root = rootPathName ? ProgramToUtf16(rootPathName) : CurrentDriveRoot();
+  // A path on a share ("\\server\share\") is remote where the share table maps the share and it can be reached.
+  std::string shareFolder;
+  bool shareRoot = false;
+  if (IsNetworkHead(root)) return FindShareRoot(root, &shareFolder, &shareRoot) == 0 ? DRIVE_REMOTE : DRIVE_NO_ROOT_DIR;
   char16_t letter = DriveLetter(root);
   if (letter == 0 || !DriveIsThere(letter)) return DRIVE_NO_ROOT_DIR;
   return DriveTypeOfFolder(DriveRootOf(letter));
@@ -88,14 +97,22 @@ BOOL GetVolumeInformationA(LPCSTR rootPathName, LPSTR volumeNameBuffer, DWORD vo
   DWORD error;
   if (ForcedFailure(kFaultGetVolumeInformation, &error)) return FailWith(error);
   std::u16string root = rootPathName ? ProgramToUtf16(rootPathName) : CurrentDriveRoot();
-  if (root.size() >= 2 && (root[0] == u'\\' || root[0] == u'/') && (root[1] == u'\\' || root[1] == u'/'))
-    return FailWith(ERROR_BAD_NETPATH);
-  char16_t letter = DriveLetter(root);
-  // "C:\Windows\": a folder, but not the root of a volume.
-  if (letter == 0) return FailWith(ERROR_INVALID_NAME);
-  if (!IsDriveRoot(root)) return FailWith(ERROR_DIR_NOT_ROOT);
-  if (!DriveIsThere(letter)) return FailWith(ERROR_PATH_NOT_FOUND);
-  std::string linux = DriveRootOf(letter);
+  std::string linux;
+  if (IsNetworkHead(root)) {
+    // "\\server\share\": the volume of the folder where the share is mounted. ERROR_BAD_NETPATH for a share that
+    // is not mapped, as for a server that is not there.
+    bool shareRoot = false;
+    error = FindShareRoot(root, &linux, &shareRoot);
+    if (error != 0) return FailWith(error);
+    if (!shareRoot) return FailWith(ERROR_DIR_NOT_ROOT);
+  } else {
+    char16_t letter = DriveLetter(root);
+    // "C:\Windows\": a folder, but not the root of a volume.
+    if (letter == 0) return FailWith(ERROR_INVALID_NAME);
+    if (!IsDriveRoot(root)) return FailWith(ERROR_DIR_NOT_ROOT);
+    if (!DriveIsThere(letter)) return FailWith(ERROR_PATH_NOT_FOUND);
+    linux = DriveRootOf(letter);
+  }
   struct statfs volume;
   if (statfs(linux.c_str(), &volume) != 0) return FailWith(ErrorFromErrno(errno));
   MountEntry mount;
