@@ -7,6 +7,7 @@
 
 #include "platform/posix/files/drive_table.h"
 #include "platform/posix/files/path_resolver.h"
+#include "platform/posix/files/share_table.h"
 #include "platform/posix/files/testing.h"
 #include "platform/posix/text/path_names.h"
 
@@ -118,5 +119,15 @@ void TestSetDrives(const char *drives) {
   else
     unsetenv("KELMARO_DRIVES");
   ReloadDriveTable();
+  ForgetCurrentFolder();
+}
+
+// Beside the drives' hook: the share table knows nothing of the current folder, which may lie on a share.
+void TestSetShares(const char *shares) {
+  if (shares)
+    setenv("KELMARO_SHARES", shares, 1);
+  else
+    unsetenv("KELMARO_SHARES");
+  ReloadShareTable();
   ForgetCurrentFolder();
 }

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "platform/posix/files/mount_table.h"
-#include "platform/posix/files/path_resolver.h"
 #include "platform/posix/files/testing.h"
 #include "platform/posix/text/charset.h"
 #include "platform/posix/text/path_names.h"
@@ -202,15 +201,6 @@ bool LinuxPathToSharePath(const std::string &linuxPath, std::string *uncPath) {
 }
 
 void ReloadShareTable(void) { Table().loaded = false; }
-
-void TestSetShares(const char *shares) {
-  if (shares)
-    setenv("KELMARO_SHARES", shares, 1);
-  else
-    unsetenv("KELMARO_SHARES");
-  ReloadShareTable();
-  ForgetCurrentFolder();
-}
 
 void TestSetRuntimeFolder(const char *folder) {
   RuntimeFolderOverride &runtime = RuntimeOverride();
