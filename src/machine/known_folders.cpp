@@ -324,7 +324,10 @@ void LoadSpecialFolders(void) {
     found[index] = LookupSpecialFolder(path, label, index) == 1;
 }
 
-int GetSpecialFolder(char *buffer, int index) {
+namespace {
+
+// A row's path or label block into `buffer`; a table not filled yet is filled, and this call answers empty.
+int CopyRowText(char *buffer, int index, HGLOBAL FolderEntry::*block) {
   if (buffer == nullptr) return 0;
   buffer[0] = 0;
   if (index < 0 || index >= kSpecialFolderEntries) return 1;
@@ -332,21 +335,15 @@ int GetSpecialFolder(char *buffer, int index) {
     LoadSpecialFolders();
     return 1;
   }
-  CopyBlock(buffer, entries[index].pathBlock);
+  CopyBlock(buffer, entries[index].*block);
   return 1;
 }
 
-int GetSpecialFolderLabel(char *buffer, int index) {
-  if (buffer == nullptr) return 0;
-  buffer[0] = 0;
-  if (index < 0 || index >= kSpecialFolderEntries) return 1;
-  if (!tableLoaded) {
-    LoadSpecialFolders();
-    return 1;
-  }
-  CopyBlock(buffer, entries[index].labelBlock);
-  return 1;
-}
+}  // namespace
+
+int GetSpecialFolder(char *buffer, int index) { return CopyRowText(buffer, index, &FolderEntry::pathBlock); }
+
+int GetSpecialFolderLabel(char *buffer, int index) { return CopyRowText(buffer, index, &FolderEntry::labelBlock); }
 
 int GetSpecialFolderPair(char *path, char *label, int index) {
   LoadSpecialFolders();

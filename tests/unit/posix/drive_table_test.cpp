@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "platform/posix/files/testing.h"
+#include "support/saved_environment.h"
 
 namespace {
 
@@ -70,11 +71,6 @@ namespace fs = std::filesystem;
 class DrivesFromWinePrefix : public ::testing::Test {
  protected:
   void SetUp() override {
-    for (Saved &saved : saved_) {
-      const char *value = std::getenv(saved.name);
-      saved.present = value != nullptr;
-      saved.value = value ? value : "";
-    }
     std::string folder = (fs::temp_directory_path() / "kelmaro-prefixes-XXXXXX").string();
     ASSERT_NE(mkdtemp(folder.data()), nullptr);
     root_ = fs::canonical(folder);
@@ -97,13 +93,8 @@ class DrivesFromWinePrefix : public ::testing::Test {
     fs::create_directories(root_ / "nowine");
   }
   void TearDown() override {
-    for (const Saved &saved : saved_)
-      if (saved.present)
-        setenv(saved.name, saved.value.c_str(), 1);
-      else
-        unsetenv(saved.name);
-    const Saved &drives = saved_[2];
-    TestSetDrives(drives.present ? drives.value.c_str() : nullptr);  // reads the table anew
+    environment_.Restore();
+    TestSetDrives(environment_.Original("KELMARO_DRIVES"));  // reads the table anew
     std::error_code ignored;
     fs::remove_all(root_, ignored);
   }
@@ -131,12 +122,7 @@ class DrivesFromWinePrefix : public ::testing::Test {
 
   fs::path root_;
 
- private:
-  struct Saved {
-    const char *name;
-    bool present;
-    std::string value;
-  } saved_[3] = {{"HOME", false, ""}, {"WINEPREFIX", false, ""}, {"KELMARO_DRIVES", false, ""}};
+  SavedEnvironment environment_{"HOME", "WINEPREFIX", "KELMARO_DRIVES"};
 };
 
 TEST_F(DrivesFromWinePrefix, TheLinksOfHomesPrefixAreTheDrives) {

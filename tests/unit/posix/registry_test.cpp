@@ -14,6 +14,7 @@
 #include "platform/posix/machine/registry_file.h"
 #include "platform/winapi.h"
 #include "support/hex_text.h"
+#include "support/saved_environment.h"
 #include "support/scratch_folder.h"
 
 using namespace std::string_literals;
@@ -104,19 +105,9 @@ std::vector<std::string> ValueNames(const std::string &path) {
 // the registry read anew, so that no test sees another's file.
 class RegistryFile : public ::testing::Test {
  protected:
-  void SetUp() override {
-    for (Saved &saved : saved_) {
-      const char *value = std::getenv(saved.name);
-      saved.present = value != nullptr;
-      if (value != nullptr) saved.value = value;
-    }
-  }
+  void SetUp() override {}
   void TearDown() override {
-    for (const Saved &saved : saved_)
-      if (saved.present)
-        setenv(saved.name, saved.value.c_str(), 1);
-      else
-        unsetenv(saved.name);
+    environment_.Restore();
     ReloadRegistry();
   }
 
@@ -139,12 +130,7 @@ class RegistryFile : public ::testing::Test {
 
   ScratchFolder folder_;
 
- private:
-  struct Saved {
-    const char *name;
-    bool present;
-    std::string value;
-  } saved_[3] = {{"KELMARO_REGISTRY", false, ""}, {"WINEPREFIX", false, ""}, {"HOME", false, ""}};
+  SavedEnvironment environment_{"KELMARO_REGISTRY", "WINEPREFIX", "HOME"};
 };
 
 // ---- Value types ----

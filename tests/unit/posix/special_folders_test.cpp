@@ -9,6 +9,7 @@
 #include "machine/known_folders.h"
 #include "machine/system_info.h"
 #include "posix/scratch_drive.h"
+#include "support/saved_environment.h"
 #include "support/test_registry.h"
 
 namespace {
@@ -18,9 +19,6 @@ const char kShellFolders[] = "Software\\Microsoft\\Windows\\CurrentVersion\\Expl
 class SpecialFolders : public ::testing::Test {
  protected:
   void SetUp() override {
-    const char *windir = std::getenv("windir");
-    if (windir != nullptr) savedWindir_ = windir;
-    hadWindir_ = windir != nullptr;
     setenv("windir", "T:\\Windows", 1);
     for (const char *folder :
          {"Windows", "Windows\\sub", "Program Files", "Desktop", "Docs", "Local", "Local\\VirtualStore",
@@ -28,13 +26,7 @@ class SpecialFolders : public ::testing::Test {
       MakeFolder(folder);
     ForgetSpecialFolders();
   }
-  void TearDown() override {
-    ForgetSpecialFolders();
-    if (hadWindir_)
-      setenv("windir", savedWindir_.c_str(), 1);
-    else
-      unsetenv("windir");
-  }
+  void TearDown() override { ForgetSpecialFolders(); }
 
   void MakeFolder(const std::string &name) { EXPECT_TRUE(CreateDirectoryA(("T:\\" + name).c_str(), nullptr)) << name; }
 
@@ -49,10 +41,9 @@ class SpecialFolders : public ::testing::Test {
     return buffer;
   }
 
+  SavedEnvironment environment_{"windir"};
   ScratchDrive drive_;
   TestRegistry registry_;
-  std::string savedWindir_;
-  bool hadWindir_ = false;
 };
 
 TEST_F(SpecialFolders, TheClassOfThisBuild) {

@@ -12,6 +12,7 @@
 #include "platform/posix/text/charset.h"
 #include "platform/winapi.h"
 #include "support/hex_text.h"
+#include "support/saved_environment.h"
 
 namespace {
 
@@ -42,21 +43,8 @@ std::string CText(int error) {
 
 class SystemMessages : public ::testing::Test {
  protected:
-  void SetUp() override {
-    for (Saved &saved : saved_) {
-      const char *value = std::getenv(saved.name);
-      saved.present = value != nullptr;
-      if (value != nullptr) saved.value = value;
-    }
-    Environment(nullptr, nullptr, "C");
-  }
-  void TearDown() override {
-    for (const Saved &saved : saved_)
-      if (saved.present)
-        setenv(saved.name, saved.value.c_str(), 1);
-      else
-        unsetenv(saved.name);
-  }
+  void SetUp() override { Environment(nullptr, nullptr, "C"); }
+  void TearDown() override { environment_.Restore(); }
   // The three variables that name the messages locale; null unsets one.
   static void Environment(const char *all, const char *messages, const char *lang) {
     const char *values[] = {all, messages, lang};
@@ -68,12 +56,7 @@ class SystemMessages : public ::testing::Test {
         unsetenv(names[i]);
   }
 
- private:
-  struct Saved {
-    const char *name;
-    bool present;
-    std::string value;
-  } saved_[3] = {{"LC_ALL", false, ""}, {"LC_MESSAGES", false, ""}, {"LANG", false, ""}};
+  SavedEnvironment environment_{"LC_ALL", "LC_MESSAGES", "LANG"};
 };
 
 // The code of each failure is told in the words of the errno it stands for.
