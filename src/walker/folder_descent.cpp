@@ -9,7 +9,6 @@
 #include "console/console_prompt.h"
 #include "files/directory_search.h"
 #include "files/folder_checks.h"
-#include "machine/network_listing.h"
 #include "machine/network_paths.h"
 #include "reports/error_reporter.h"
 #include "reports/last_error.h"
