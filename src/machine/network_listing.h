@@ -26,7 +26,8 @@ struct NetworkNode {
   DWORD SiblingCount;  // how many entries the batch held
   DWORD Serial;        // the number of the batch that brought it, from 1 on
   int Depth;           // the absolute PathDepth of its view path: 1 group, 2 server, 3 share
-  int Unreachable;     // 1: the browser could not open it (ERROR_BAD_NETPATH)
+  int Unreachable;     // 1: the browser could not open it (ERROR_BAD_NETPATH); 2: a listing named it and the
+                       // browser did not show it (no entry of its level, only an answer for itself and below)
   int Reserved;
 };
 

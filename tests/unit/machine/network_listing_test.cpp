@@ -67,6 +67,7 @@ class NetworkListing : public ::testing::Test {
     GroupHintText()[0] = 0;
     SetRemoteNameAndComment("", "");
     SetStopFlag(0);
+    SetNetworkMessageSwitches(0, 0, 0);
   }
   // Lists `pattern` as the walker does, through the directory search.
   static Listing List(const std::string &pattern) {
@@ -282,6 +283,38 @@ TEST_F(NetworkListing, BrowserFailures) {
       EXPECT_NE(result.find(row.message), std::string::npos) << row.what << Hex(result);
     }
     EXPECT_EQ(net->LastErrorCalls() - lastErrorCalls, row.error == ERROR_EXTENDED_ERROR ? 1u : 0u) << row.what;
+  }
+}
+
+// The message switches, which this program never sets: quiet tells nothing; suppressed tells only an extended
+// error; the refused-access switch tells access denied.
+TEST_F(NetworkListing, MessageSwitches) {
+  struct Row {
+    int quiet, suppressed, refusedAccess;
+    DWORD error;
+    std::string message;  // empty: nothing told
+  } rows[] = {
+      {1, 0, 0, ERROR_NO_NETWORK, ""},
+      {1, 0, 0, ERROR_EXTENDED_ERROR, ""},
+      {0, 1, 0, ERROR_NO_NETWORK, ""},
+      {0, 1, 0, ERROR_EXTENDED_ERROR, "asleep"},
+      {0, 0, 0, ERROR_NO_NETWORK, Text(kMsgNetworkNotConnected)},
+      {0, 0, 1, ERROR_ACCESS_DENIED, Text(kMsgNetworkRefusedAskPassword)},
+  };
+  for (const Row &row : rows) {
+    Reset();
+    TestConsoleEnd();
+    TestConsoleBegin("");
+    net_.failures_.clear();
+    net_.FailOpen("\\\\SRV1", row.error);
+    net_.SetExtendedError(row.error, "asleep");
+    SetNetworkMessageSwitches(row.quiet, row.suppressed, row.refusedAccess);
+    List("\\\\srv1\\*.*");
+    std::string shown = TestConsoleOutput();
+    if (row.message.empty())
+      EXPECT_EQ(shown, "") << row.error;
+    else
+      EXPECT_NE(shown.find(row.message), std::string::npos) << row.error << Hex(shown);
   }
 }
 
