@@ -589,7 +589,13 @@ unsigned NextNetworkName(char *path, int fullPath, NetworkNode **cursor, char *o
     }
     if (!(result & kLookUpNotFound)) networkError = 0;
   }
-  if ((result & kLookUpFound) && out != nullptr) std::snprintf(out, MAX_PATH, "%s", work);
+  if ((result & kLookUpFound) && out != nullptr) {
+    // An entry's name fits a file name: the list's names are those of servers, shares and groups.
+    size_t length = std::strlen(work);
+    if (length > MAX_PATH - 1) length = MAX_PATH - 1;
+    std::memcpy(out, work, length);
+    out[length] = 0;
+  }
   FreeNetResourceCopy(resource);
   return result;
 }
