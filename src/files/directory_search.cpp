@@ -8,6 +8,7 @@
 #include "machine/network_paths.h"
 #include "reports/last_error.h"
 #include "reports/memory_reports.h"
+#include "reports/result_text.h"
 #include "text/myjctype.h"
 #include "text/path_strings.h"
 #include "text/tokens.h"
@@ -21,6 +22,11 @@ bool IsOpen(HANDLE handle) { return handle != nullptr && handle != INVALID_HANDL
 }  // namespace
 
 int SearchMode(void) { return searchMode; }
+
+void ResumeNetworkListing(const char *pattern) {
+  SetNetworkListPath(pattern);
+  searchMode = 1;
+}
 
 int MapLastError(void) {
   DWORD code = GetKeptLastError();
@@ -146,7 +152,10 @@ int FindFirstEntry(FindHandle *handle, char *pattern, FindRecord *record) {
     if (saved == 0) {
       SetRunTimeError(0);
       SetKeptLastError(0);
-      int result = FindFirstNetworkEntry(handle, pattern, record);
+      handle->SearchHandle = nullptr;
+      int result = FindFirstNetworkEntry(&handle->NetworkCursor, pattern, record);
+      // What the browser failed with goes into the result text, which stands above the network listing.
+      AddNetworkMessageRows(nullptr);
       if (result == 0) {
         searchMode = 1;
         return 0;
@@ -178,7 +187,10 @@ int FindNextEntry(FindHandle *handle, FindRecord *record) {
     return FindNextPlain(handle, nullptr, record);
   }
   if (searchMode == 1) {
-    int result = FindNextNetworkEntry(handle, record);
+    if (handle == nullptr) return 1;
+    handle->SearchHandle = nullptr;
+    int result = FindNextNetworkEntry(&handle->NetworkCursor, record);
+    AddNetworkMessageRows(nullptr);
     if (result == 0) return 0;
     searchMode = 0;
     return result;

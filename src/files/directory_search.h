@@ -40,6 +40,9 @@ uint64_t FoundEntrySize(const FindRecord *record);
 int MapLastError(void);
 // "?" where the system could not spell a character becomes "_", so that the file can be opened by that name.
 void RepairFoundName(char *name);
+// Makes `pattern` the running network listing again, after a descent listed another place in between: the next
+// FindNextEntry goes on from the handle's own network position.
+void ResumeNetworkListing(const char *pattern);
 // What the latest FindFirstEntry started: 0 file system, 1 network listing, -1 unlistable place, -2 failed listing.
 // Its caller comes with the network listing.
 int SearchMode(void);

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "console/console_prompt.h"
+#include "machine/network_listing.h"
 #include "platform/system_calls.h"
 #include "text/memory_blocks.h"
 #include "text/path_strings.h"
@@ -308,6 +309,7 @@ void PopNetworkFolder(void) {
 }
 
 void ReleaseNetworkList(void) {
+  ReleaseNetworkNodes();
   ReleaseBlockRecord(&keptNetworkText);
   while (networkFolderTop != nullptr) PopNetworkFolder();
 }

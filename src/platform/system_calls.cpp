@@ -12,17 +12,20 @@ struct SwappableCall {
   bool swapped;
 };
 
-// The direct calls first, then the entry points that are looked up by name.
+// The entry points that are looked up by name first, then the direct calls.
 SwappableCall calls[] = {
-    {"GetDriveTypeA", nullptr, false},    {"GetVersionExA", nullptr, false}, {"GetSystemInfo", nullptr, false},
-    {"GetSystemMetrics", nullptr, false}, {"RtlGetVersion", nullptr, false}, {"GetNativeSystemInfo", nullptr, false},
-    {"GetProductInfo", nullptr, false},
+    {"RtlGetVersion", nullptr, false},     {"GetNativeSystemInfo", nullptr, false},
+    {"GetProductInfo", nullptr, false},    {"GetDriveTypeA", nullptr, false},
+    {"GetVersionExA", nullptr, false},     {"GetSystemInfo", nullptr, false},
+    {"GetSystemMetrics", nullptr, false},  {"WNetOpenEnumA", nullptr, false},
+    {"WNetEnumResourceA", nullptr, false}, {"WNetCloseEnum", nullptr, false},
+    {"WNetGetLastErrorA", nullptr, false},
 };
-const int kFirstLookedUp = 4;
+const int kLookedUpCount = 3;
 
-SwappableCall *Find(const char *name, int from = 0) {
+SwappableCall *Find(const char *name, int count = static_cast<int>(sizeof calls / sizeof calls[0])) {
   if (name == nullptr) return nullptr;
-  for (int i = from; i < static_cast<int>(sizeof calls / sizeof calls[0]); ++i)
+  for (int i = 0; i < count; ++i)
     if (lstrcmpA(calls[i].name, name) == 0) return &calls[i];
   return nullptr;
 }
@@ -58,10 +61,33 @@ int KmGetSystemMetrics(int index) {
 }
 
 FARPROC KmGetProcAddress(HMODULE module, LPCSTR procName) {
-  SwappableCall *call = Find(procName, kFirstLookedUp);
+  SwappableCall *call = Find(procName, kLookedUpCount);
   if (call == nullptr || !call->swapped) return GetProcAddress(module, procName);
   if (call->current == nullptr) SetLastError(ERROR_PROC_NOT_FOUND);
   return call->current;
+}
+
+DWORD KmWNetOpenEnumA(DWORD scope, DWORD type, DWORD usage, LPNETRESOURCEA parent, LPHANDLE handle) {
+  if (auto call = Swapped<DWORD(WINAPI *)(DWORD, DWORD, DWORD, LPNETRESOURCEA, LPHANDLE)>("WNetOpenEnumA"))
+    return call(scope, type, usage, parent, handle);
+  return WNetOpenEnumA(scope, type, usage, parent, handle);
+}
+
+DWORD KmWNetEnumResourceA(HANDLE handle, LPDWORD count, LPVOID buffer, LPDWORD bufferSize) {
+  if (auto call = Swapped<DWORD(WINAPI *)(HANDLE, LPDWORD, LPVOID, LPDWORD)>("WNetEnumResourceA"))
+    return call(handle, count, buffer, bufferSize);
+  return WNetEnumResourceA(handle, count, buffer, bufferSize);
+}
+
+DWORD KmWNetCloseEnum(HANDLE handle) {
+  if (auto call = Swapped<DWORD(WINAPI *)(HANDLE)>("WNetCloseEnum")) return call(handle);
+  return WNetCloseEnum(handle);
+}
+
+DWORD KmWNetGetLastErrorA(LPDWORD error, LPSTR errorText, DWORD errorTextSize, LPSTR nameText, DWORD nameTextSize) {
+  if (auto call = Swapped<DWORD(WINAPI *)(LPDWORD, LPSTR, DWORD, LPSTR, DWORD)>("WNetGetLastErrorA"))
+    return call(error, errorText, errorTextSize, nameText, nameTextSize);
+  return WNetGetLastErrorA(error, errorText, errorTextSize, nameText, nameTextSize);
 }
 
 bool TestSwapSystemCall(const char *name, FARPROC call) {

@@ -28,7 +28,8 @@ void TestConsoleEnd(void);
 
 // Puts `call` in place of a system operation for the machine services, which reach these through the swappable table
 // (platform/system_calls.h): "GetDriveTypeA", "GetVersionExA", "GetSystemInfo", "GetSystemMetrics", and the entry
-// points looked up by name, "RtlGetVersion", "GetNativeSystemInfo" and "GetProductInfo". `call` must have the
+// points looked up by name, "RtlGetVersion", "GetNativeSystemInfo" and "GetProductInfo", and the network browser's
+// "WNetOpenEnumA", "WNetEnumResourceA", "WNetCloseEnum" and "WNetGetLastErrorA". `call` must have the
 // operation's own type, WINAPI included (TestCall makes one of a function). Null puts the real call back for the
 // direct calls, and for an entry point means that the lookup finds nothing. Result: false for a name the table does
 // not hold.

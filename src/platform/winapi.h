@@ -19,6 +19,8 @@
 #include <shlobj.h>
 // InternetGetConnectedState and InternetGetLastResponseInfoA.
 #include <wininet.h>
+// Network browsing (WNetOpenEnumA ...), which the lean Windows headers leave out.
+#include <winnetwk.h>
 
 #else  // the Linux backend
 
@@ -156,6 +158,8 @@ BOOL InternetGetLastResponseInfoA(DWORD *error, LPSTR buffer, DWORD *length);
 #include "platform/posix/shell/shell_link.h"
 // SHGetFileInfoA for a program type and an icon location.
 #include "platform/posix/shell/shell_info.h"
+// Network browsing over the share table.
+#include "platform/posix/machine/network_browse.h"
 
 #endif  // _WIN32
 

@@ -8,6 +8,7 @@
 #include "files/exact_names.h"
 #include "files/file_operations.h"
 #include "machine/drive_inventory.h"
+#include "machine/network_listing.h"
 #include "machine/network_paths.h"
 #include "reports/error_reporter.h"
 #include "reports/last_error.h"
@@ -259,4 +260,22 @@ int ReportFolderFault(HWND owner, const char *path, int fault, int count, int st
   SetRunTimeError(0);
   if (fault == -11) return 0;
   return answer == IDYES ? 0 : -1;
+}
+
+void AddNetworkMessageRows(HWND owner) {
+  if (NetworkMessagesWaiting() == 0) return;
+  DWORD lastError = GetLastError();
+  DWORD keptError = GetKeptLastError();
+  HGLOBAL handle = nullptr;
+  DWORD granted = 0;
+  char *text = AcquireBlock(&handle, nullptr, 65535, &granted);
+  char place[kPathSize];
+  while (text != nullptr && TakeNetworkMessage(text, granted, place, sizeof place)) {
+    // The message holds the system's text already.
+    SetLastError(0);
+    AddResultEntry(owner, text, place, nullptr, kMsgNetworkTitle, 0);
+  }
+  ReleaseBlock(handle, text);
+  SetKeptLastError(keptError);
+  SetLastError(lastError);
 }

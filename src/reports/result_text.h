@@ -40,3 +40,7 @@ void FolderFaultText(char *text, size_t size, int fault, int count, int *style);
 // the last call, on a path that is no network drive, is told as fault -22. The message also leaves a row in the
 // result text, under the heading "警告: ﾌｫﾙﾀﾞ・ﾌｧｲﾙｴﾗｰ". errno is 0 afterwards.
 int ReportFolderFault(HWND owner, const char *path, int fault, int count, int style);
+
+// Adds a row for each message of the network listing that is not in the text yet: the message, then the place it
+// names, under the heading "ﾈｯﾄﾜｰｸ" (8300). The last error and the kept one are as they were.
+void AddNetworkMessageRows(HWND owner);

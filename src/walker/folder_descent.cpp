@@ -9,7 +9,6 @@
 #include "console/console_prompt.h"
 #include "files/directory_search.h"
 #include "files/folder_checks.h"
-#include "machine/network_listing.h"
 #include "machine/network_paths.h"
 #include "reports/error_reporter.h"
 #include "reports/last_error.h"
@@ -23,9 +22,12 @@
 namespace {
 
 const char kAllEntries[] = "*.*";
-// The button bits of a prompt style that ask a question with answers (MB_ABORTRETRYIGNORE, MB_YESNO and their sum,
-// MB_YESNOCANCEL): the question then names them.
-const unsigned kAnswerButtons = MB_ABORTRETRYIGNORE | MB_YESNO;
+// The style values that choose the password question's tail. The question's texts go by the style's low values, not
+// by its bits counted from 0: value 4 (MB_YESNO) adds the two-answer tail, values 1 and 2 (OK/cancel, and the
+// three-way question that MB_YESNOCANCEL holds) the three-answer one. The walker's 0x33 thus gets the three-answer
+// tail alone, as its prompt asks with OK and cancel.
+const unsigned kTwoAnswerTail = MB_YESNO;
+const unsigned kThreeAnswerTail = MB_OKCANCEL | MB_ABORTRETRYIGNORE;
 
 bool IsDotName(const char *name) { return DotEntryTest(name) || DotDotEntryTest(name); }
 
@@ -118,8 +120,8 @@ int NetworkAccessPrompt(HWND owner, const char *path, unsigned style) {
   if (text == nullptr) return 1;
   LoadStrings(kMsgNetworkRefusedAskPassword, kMsgPasswordAskButtons);
   std::snprintf(text, 65535, "%s", FirstSlotText());
-  if (style & MB_ICONHAND) std::strncat(text, SecondSlotText(), 65535 - std::strlen(text) - 1);
-  if (style & kAnswerButtons) {
+  if (style & kTwoAnswerTail) std::strncat(text, SecondSlotText(), 65535 - std::strlen(text) - 1);
+  if (style & kThreeAnswerTail) {
     LoadStrings(kMsgPasswordAskButtonsQuiet, kMsgFolderFileErrorTitle);
     std::strncat(text, FirstSlotText(), 65535 - std::strlen(text) - 1);
   }

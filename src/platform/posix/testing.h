@@ -20,3 +20,7 @@ size_t TestConnectionQueries(void);
 // lead to the devices' folders), and the labels from `labelFolder` in place of /dev/disk/by-label; null gives back
 // the machine's own. The mount table itself is set with TestSetMountTable (files/testing.h).
 void TestSetDeviceFolders(const char *sysRoot, const char *labelFolder);
+
+// Reads the Samba configuration whose workgroup names the network's group from `path` instead of
+// /etc/samba/smb.conf (null: that file again). A path that does not exist leaves KELMARO_WORKGROUP to name it.
+void TestSetSambaConfig(const char *path);

@@ -200,6 +200,17 @@ bool LinuxPathToSharePath(const std::string &linuxPath, std::string *uncPath) {
   return true;
 }
 
+std::vector<std::pair<std::u16string, std::u16string>> MappedShares(void) {
+  std::vector<std::pair<std::u16string, std::u16string>> shares;
+  for (const ShareRow &row : Loaded().rows) {
+    bool seen = false;
+    for (const auto &share : shares)
+      if (SameNameIgnoringCase(share.first, row.server) && SameNameIgnoringCase(share.second, row.share)) seen = true;
+    if (!seen) shares.emplace_back(row.server, row.share);
+  }
+  return shares;
+}
+
 void ReloadShareTable(void) { Table().loaded = false; }
 
 void TestSetRuntimeFolder(const char *folder) {
