@@ -29,6 +29,8 @@ FaultRow table[] = {
     {"CreateFileW", 0, 0, 0},
     {"ReadFile", 0, 0, 0},
     {"WriteFile", 0, 0, 0},
+    {"GetFileInformationByHandle", 0, 0, 0},
+    {"SetFileInformationByHandle", 0, 0, 0},
     {"CloseHandle", 0, 0, 0},
     {"GetFileSize", 0, 0, 0},
     {"GetFileSizeEx", 0, 0, 0},
