@@ -63,8 +63,9 @@ class Run:
 
 
 def run(args, stdin=b"", env=None, cwd=None, timeout=120, user=None):
-    """Runs the program with `args` (texts) and `stdin` (bytes), as `user`, a pair of user and group id, where given (the tests must
-    run as root to give one). A run that takes longer than `timeout` seconds raises subprocess.TimeoutExpired.
+    """Runs the program with `args` (texts) and `stdin` (bytes), as `user` where given (a pair of user and group id;
+    the tests must run as root to give one). A run that takes longer than `timeout` seconds raises
+    subprocess.TimeoutExpired.
     Result: a Run.
 
     Under Wine the arguments go in UTF-8, which Wine's Japanese locale turns into Shift-JIS; the Linux program runs in

@@ -28,8 +28,9 @@ NOT_ON_WINE = "Wine shows no FIFOs, sockets, devices or Unix symbolic links as W
 class Entry:
     """One row of the table. `make(folder)` puts the hostile entry into its own folder; `lines(root)` gives what the
     walk prints below that folder's line in walk order, as ("folder", name) and ("changed", name) with names relative
-    to the folder, leaving out the line of its zz-good.lnk, which comes before the first sub-folder; `changed` are the names whose files the run is meant to change, `told` those
-    whose failed save is told on standard error. Both take `root`, True when the program runs as root."""
+    to the folder, leaving out the line of its zz-good.lnk, which comes before the first sub-folder; `changed` are the
+    names whose files the run is meant to change, `told` those whose failed save is told on standard error. The three
+    take `root`, True when the program runs as root."""
 
     def __init__(self, folder, make, lines=lambda root: [], changed=lambda root: [], told=lambda root: [],
                  linux_only=None, root_only=False, drops_root=False):
