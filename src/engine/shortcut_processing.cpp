@@ -14,6 +14,7 @@
 #include "files/working_folders.h"
 #include "machine/environment_strings.h"
 #include "machine/network_paths.h"
+#include "reports/error_reporter.h"
 #include "reports/last_error.h"
 #include "reports/memory_reports.h"
 #include "reports/result_text.h"
@@ -144,9 +145,14 @@ unsigned ProcessShortcut(HWND window, const char *path, unsigned flags, const ch
           SetKeptLastError(0);
           AddResultEntry(window, resultLine, row.text, nullptr, 0, 0);
         }
-        // A failed write shows nowhere: the rows say the shortcut was changed in any case.
-        if (!(flags & kProcessSimulate))
-          WriteShortcut(window, KeptText(1), target, arguments, workingFolder, icon, description, showCmd, iconIndex);
+        // The rows say the shortcut was changed in any case, and so does the walker's line. A save that failed is
+        // told on standard error alone, so that what the console and the result text say stays as it always was.
+        if (!(flags & kProcessSimulate)) {
+          SetKeptLastError(0);
+          unsigned written = WriteShortcut(window, KeptText(1), target, arguments, workingFolder, icon, description,
+                                           showCmd, iconIndex);
+          if (written & kWriteNothingSaved) TellFailedSave(KeptText(1), GetKeptLastError());
+        }
       }
     }
   }

@@ -3,17 +3,36 @@
 #include "engine/shortcut_writer.h"
 
 #include "engine/shell_link_api.h"
+#include "reports/last_error.h"
+
+namespace {
+
+// The system error inside a failed call's result: the Windows error that most of them wrap, else the result itself,
+// which the system's message table knows as well (E_FAIL, E_OUTOFMEMORY).
+DWORD ErrorOfResult(HRESULT result) {
+  // HRESULT_FROM_WIN32 puts the error in the low word behind severity 1 and facility 7 (FACILITY_WIN32).
+  const DWORD bits = static_cast<DWORD>(result);
+  if ((bits & 0xFFFF0000u) == 0x80070000u) return bits & 0xFFFFu;
+  return bits;
+}
+
+}  // namespace
 
 unsigned WriteShortcut(HWND, const char *shortcutPath, const char *target, const char *arguments,
                        const char *workingFolder, const char *icon, const char *description, int showCmd,
                        int iconIndex) {
   IShellLinkA *link = nullptr;
-  if (FAILED(CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
-                              reinterpret_cast<void **>(&link))))
+  HRESULT made = CoCreateInstance(CLSID_ShellLink, nullptr, CLSCTX_INPROC_SERVER, IID_IShellLinkA,
+                                  reinterpret_cast<void **>(&link));
+  if (FAILED(made)) {
+    SetKeptLastError(ErrorOfResult(made));
     return kWriteNoObject;
+  }
   IPersistFile *persist = nullptr;
-  if (FAILED(link->QueryInterface(IID_IPersistFile, reinterpret_cast<void **>(&persist)))) {
+  HRESULT asked = link->QueryInterface(IID_IPersistFile, reinterpret_cast<void **>(&persist));
+  if (FAILED(asked)) {
     link->Release();
+    SetKeptLastError(ErrorOfResult(asked));
     return kWriteNoPersist;
   }
   unsigned result = 0;
@@ -27,10 +46,17 @@ unsigned WriteShortcut(HWND, const char *shortcutPath, const char *target, const
   if (showCmd != 0 && FAILED(link->SetShowCmd(showCmd))) result |= kWriteShowFailed;
   // A path of up to 519 bytes can need as many wide characters: the buffer holds them all.
   WCHAR widePath[kShellPathSize];
-  if (MultiByteToWideChar(CP_ACP, 0, shortcutPath, -1, widePath, kShellPathSize) == 0 ||
-      FAILED(persist->Save(widePath, TRUE)))
-    result |= kWriteSaveFailed;
+  DWORD error = 0;
+  if (MultiByteToWideChar(CP_ACP, 0, shortcutPath, -1, widePath, kShellPathSize) == 0) {
+    error = GetLastError();
+  } else {
+    HRESULT saved = persist->Save(widePath, TRUE);
+    if (FAILED(saved)) error = ErrorOfResult(saved);
+  }
+  if (error != 0) result |= kWriteSaveFailed;
   persist->Release();
   link->Release();
+  // Kept after the releases, which may touch the last error.
+  if (error != 0) SetKeptLastError(error);
   return result;
 }

@@ -14,11 +14,15 @@ enum WriteResult : unsigned {
   kWriteSaveFailed = 0x40000,
   kWriteNoPersist = 0x80000,
   kWriteNoObject = 0x100000,
+  // Any of the three above: nothing was saved, and the old file is as it was.
+  kWriteNothingSaved = kWriteSaveFailed | kWriteNoPersist | kWriteNoObject,
 };
 
 // Saves a shortcut at `shortcutPath` that holds exactly these fields (Shift-JIS texts). The old file is not read:
 // its hotkey and anything else not set here is gone afterwards. An empty `icon` takes `target` as the icon location;
 // null `arguments`, `description` or `workingFolder` are not set, empty ones are; `showCmd` 0 keeps the default.
+// Where nothing was saved (kWriteNothingSaved), the kept last error holds the system's error for it: the Windows error
+// that the failed call's result wraps, or that result itself.
 unsigned WriteShortcut(HWND window, const char *shortcutPath, const char *target, const char *arguments,
                        const char *workingFolder, const char *icon, const char *description, int showCmd,
                        int iconIndex);

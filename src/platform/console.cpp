@@ -115,5 +115,6 @@ void TestConsoleBegin(const std::string &input) {
 }
 
 std::string TestConsoleOutput(void) { return Captured().output; }
+std::string TestConsoleErrors(void) { return Captured().errors; }
 std::vector<unsigned> TestConsoleBeeps(void) { return Captured().beeps; }
 void TestConsoleEnd(void) { Captured() = TestConsole(); }

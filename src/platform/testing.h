@@ -22,6 +22,7 @@ size_t TestLiveBlockCount(void);
 // not a console, so keys are its bytes and its end answers "no"), and everything written is kept.
 void TestConsoleBegin(const std::string &input);
 std::string TestConsoleOutput(void);  // what was written since TestConsoleBegin
+std::string TestConsoleErrors(void);  // what went to standard error since TestConsoleBegin
 // The styles of the alerts (MessageBeep) sounded since TestConsoleBegin, in order; none of them reached a speaker.
 std::vector<unsigned> TestConsoleBeeps(void);
 void TestConsoleEnd(void);

@@ -36,6 +36,10 @@ DWORD attributeWord = 0;
 
 const char *const kErrorOccurred[2] = {"Error occurred.", "ｴﾗｰが発生しました。"};
 
+// What stands in front of a failed save's path on standard error: the program's name, as tools say who is speaking
+// there, and the same words in every language, so that a script can look for them.
+const char kFailedSavePrefix[] = "kelmaro: could not save ";
+
 // What stands in front of every text that comes from the system.
 const char kSystemPrefix[] = "ｳｨﾝﾄﾞｳｽﾞｼｽﾃﾑからのｴﾗｰﾒｯｾｰｼﾞ\n>> ";
 
@@ -150,6 +154,39 @@ void ReleaseSystemErrorText(void) {
   }
   GlobalFree(keptHandle);
   keptHandle = nullptr;
+}
+
+void TellFailedSave(const char *path, DWORD code) {
+  DWORD saved = GetLastError();
+  if (path == nullptr) path = "";
+  const char *text = DescribeSystemError(path, code);
+  char number[32];
+  if (text == nullptr) {
+    // A Windows error is a small number; anything larger is a result code, which Windows writes in hexadecimal.
+    std::snprintf(number, sizeof number, code < 0x10000 ? "error %lu" : "error 0x%08lX",
+                  static_cast<unsigned long>(code));
+    text = number;
+  }
+  // One write for the whole line, so that it cannot be split by another writer of the same stream.
+  size_t size = std::strlen(kFailedSavePrefix) + std::strlen(path) + 2 + std::strlen(text) + 2;
+  HGLOBAL handle = nullptr;
+  DWORD granted = 0;
+  char *line = AcquireBlock(&handle, nullptr, static_cast<DWORD>(size), &granted);
+  ConsoleFlush();
+  if (line != nullptr && granted >= size) {
+    std::snprintf(line, size, "%s%s: %s\n", kFailedSavePrefix, path, text);
+    ConsoleWriteError(line);
+  } else {
+    // No room for the whole line: the same words in pieces.
+    ConsoleWriteError(kFailedSavePrefix);
+    ConsoleWriteError(path);
+    ConsoleWriteError(": ");
+    ConsoleWriteError(text);
+    ConsoleWriteError("\n");
+  }
+  ReleaseBlock(handle, line);
+  ReleaseSystemErrorText();
+  SetLastError(saved);
 }
 
 void SetReportStyle(unsigned level, const char *line) {

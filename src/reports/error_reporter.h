@@ -16,6 +16,11 @@ const DWORD kCurrentLastError = 0xFFFFFFFFu;
 char *DescribeSystemError(const char *path, DWORD code);
 // Frees the current system text.
 void ReleaseSystemErrorText(void);
+// Tells on standard error, in one line, that the shortcut at `path` could not be saved, with the system's text for
+// `code` (DescribeSystemError with the path), or the code itself where the system has none:
+// "kelmaro: could not save <path>: <text>". Standard output is flushed first, so that the line stands after what was
+// printed before it. Nothing waits for an answer; GetLastError is as it was on entry.
+void TellFailedSave(const char *path, DWORD code);
 // The style of the next reports (message-box bits: 16 stop, 32 question, 48 warning, 64 information, plus 4 for yes
 // and no) and a line to add below them (copied up to 519 bytes; null or empty for none). Both stay until the next call.
 void SetReportStyle(unsigned level, const char *line);

@@ -169,7 +169,10 @@ int ActOnEntry(HWND owner, int action, FindRecord record) {
         g_walk.CollectedNames = AppendToBlock(owner, g_walk.CollectedNames, separator);
         g_walk.CollectedNames = AppendToBlock(owner, g_walk.CollectedNames, g_walk.LineBuffer + 2);
       }
-      if (g_walk.ReportChanged && g_walk.LineBuffer[0] != 0) ConsolePrintf("\n ---> %s", g_walk.LineBuffer);
+      if (g_walk.ReportChanged && g_walk.LineBuffer[0] != 0) {
+        ConsolePrintf("\n ---> %s", g_walk.LineBuffer);
+        ConsoleFlush();  // as the folder lines: what was done is shown even if the run is stopped from outside
+      }
     }
   }
   if (TestOutcome(1, kWalkAbort)) {

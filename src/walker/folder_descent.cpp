@@ -257,8 +257,12 @@ StepEnd RunMaskPass(HWND owner, FindHandle &handle, FindRecord &record) {
     if (end != kGoOn) return end;
     if (IsStopRequested()) return kFinish;
     // Every folder the walk reaches is printed, after its first search whatever it found: also one without a
-    // shortcut and one that could not be listed.
-    if (maskCount == 1 && g_walk.ShowFolders) ConsolePrintf("\n %s", g_walk.FolderPath);
+    // shortcut and one that could not be listed. The line is flushed at once, so that a run stopped from outside has
+    // shown how far it came.
+    if (maskCount == 1 && g_walk.ShowFolders) {
+      ConsolePrintf("\n %s", g_walk.FolderPath);
+      ConsoleFlush();
+    }
     end = ListMaskEntries(owner, handle, record);
     if (end != kGoOn) return end;
   }

@@ -62,8 +62,11 @@ class Run:
         self.code = code
 
 
-def run(args, stdin=b"", env=None, cwd=None):
-    """Runs the program with `args` (texts) and `stdin` (bytes). Result: a Run.
+def run(args, stdin=b"", env=None, cwd=None, timeout=120, user=None):
+    """Runs the program with `args` (texts) and `stdin` (bytes), as `user` where given (a pair of user and group id;
+    the tests must run as root to give one). A run that takes longer than `timeout` seconds raises
+    subprocess.TimeoutExpired.
+    Result: a Run.
 
     Under Wine the arguments go in UTF-8, which Wine's Japanese locale turns into Shift-JIS; the Linux program runs in
     the C locale, where the arguments are handed over as they are, so they go in Shift-JIS."""
@@ -77,8 +80,14 @@ def run(args, stdin=b"", env=None, cwd=None):
         environment.pop("LANG", None)
     if env:
         environment.update(env)
+    preexec = None
+    if user is not None:
+        def preexec():
+            os.setgroups([])
+            os.setgid(user[1])
+            os.setuid(user[0])
     completed = subprocess.run(command, input=stdin, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                               env=environment, cwd=cwd, timeout=120)
+                               env=environment, cwd=cwd, timeout=timeout, preexec_fn=preexec)
     if completed.returncode == 77 and under_wine() and b"not installed" in completed.stderr:
         raise unittest.SkipTest("Wine is not installed")
     return Run(completed.stdout, completed.stderr, completed.returncode & 0xFF)

@@ -11,7 +11,12 @@
 #include "engine/shortcut_reader.h"
 #include "engine/shortcut_writer.h"
 #include "engine/string_matcher.h"
+#include "platform/testing.h"
+#include "reports/error_reporter.h"
 #include "support/scratch_folder.h"
+#ifndef _WIN32
+#include "platform/posix/files/testing.h"
+#endif
 
 namespace {
 
@@ -150,6 +155,42 @@ TEST_F(ShortcutProcessing, AShortcutThatCannotBeReadIsLeftAlone) {
   EXPECT_GE(Process("not", "now"), kReadUnreadable);
   EXPECT_FALSE(changed_);
   EXPECT_EQ(BytesOf(scratch_.Path("link.lnk")), "not a shortcut");
+}
+
+// A save that fails is told on standard error, with the shortcut's path and the system's text, and with nothing else:
+// the processing says that the shortcut changed all the same, as the result text does.
+TEST_F(ShortcutProcessing, AFailedSaveIsToldOnStandardError) {
+  Make("", scratch_.Path("Old"));
+  std::string before = BytesOf(link_);
+#ifdef _WIN32
+  // Windows' save opens the file for writing, which a handle that shares reading alone refuses; its load only reads.
+  HANDLE holder = CreateFileA(link_.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+  ASSERT_NE(holder, INVALID_HANDLE_VALUE);
+#else
+  ASSERT_TRUE(TestFailCalls("MoveFileExW", ERROR_SHARING_VIOLATION));
+#endif
+  TestConsoleBegin("");
+  Process("\\Old", "\\New");
+  std::string output = TestConsoleOutput(), errors = TestConsoleErrors();
+  TestConsoleEnd();
+#ifdef _WIN32
+  CloseHandle(holder);
+#else
+  TestClearFaults();
+#endif
+  EXPECT_TRUE(changed_);
+  EXPECT_EQ(BytesOf(link_), before);
+  EXPECT_EQ(output, "");
+  const char *text = DescribeSystemError(link_.c_str(), ERROR_SHARING_VIOLATION);
+  ASSERT_NE(text, nullptr);
+  EXPECT_EQ(errors, "kelmaro: could not save " + link_ + ": " + text + "\n");
+  // The same shortcut saved without a hindrance: nothing told.
+  TestConsoleBegin("");
+  Process("\\Old", "\\New");
+  errors = TestConsoleErrors();
+  TestConsoleEnd();
+  EXPECT_EQ(errors, "");
+  EXPECT_EQ(FieldsOf(link_).target, Moved(program_));
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
 // The shell link objects of the Linux backend, called as the engine calls them: reading a shortcut, writing one, the
 // limits of what a shortcut may hold, and the file errors of Load and Save.
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <sys/un.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -321,6 +324,42 @@ TEST(ShellLinkObject, ALoadThatFailsAtAnyCallLeavesTheObject) {
     TestClearFaults();
   }
   EXPECT_EQ(o.persist->Load(L"T:\\link.lnk", 0), S_OK);
+}
+
+// A name ending in .lnk on something that is no file: opening a FIFO for reading would wait for a writer for ever,
+// and opening a device can act on it. Each is refused as a shortcut that cannot be read, by the load and by the
+// shell's icon look-up alike, and none of them is opened (a test that hangs here has failed).
+TEST(ShellLinkObject, AFifoASocketOrADeviceIsNoShortcut) {
+  ScratchDrive drive;
+  ASSERT_EQ(mkfifo(drive.Linux("fifo.lnk").c_str(), 0666), 0);
+  int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+  ASSERT_GE(listener, 0);
+  sockaddr_un address = {};
+  address.sun_family = AF_UNIX;
+  std::string socketPath = drive.Linux("socket.lnk");
+  ASSERT_LT(socketPath.size(), sizeof address.sun_path);
+  std::memcpy(address.sun_path, socketPath.c_str(), socketPath.size() + 1);
+  ASSERT_EQ(bind(listener, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+  struct Name {
+    const wchar_t *wide;
+    const char *path;
+  };
+  std::vector<Name> names = {{L"T:\\fifo.lnk", "T:\\fifo.lnk"}, {L"T:\\socket.lnk", "T:\\socket.lnk"}};
+  // Only root may make a device node: the same device as /dev/null, which would read as an empty file.
+  if (mknod(drive.Linux("device.lnk").c_str(), S_IFCHR | 0666, makedev(1, 3)) == 0)
+    names.push_back({L"T:\\device.lnk", "T:\\device.lnk"});
+  ShellLink o;
+  ASSERT_EQ(o.link->SetDescription("kept"), S_OK);
+  for (const Name &name : names) {
+    const std::string path = name.path;
+    EXPECT_EQ(o.persist->Load(name.wide, 0), E_ACCESSDENIED) << path;
+    EXPECT_EQ(o.Text(&IShellLinkA::GetDescription), "kept") << path;
+    SHFILEINFOA info;
+    std::memset(&info, 0, sizeof info);
+    EXPECT_EQ(SHGetFileInfoA(path.c_str(), 0, &info, sizeof info, SHGFI_ICONLOCATION), 0u) << path;
+    EXPECT_EQ(SHGetFileInfoA(path.c_str(), 0, &info, sizeof info, SHGFI_EXETYPE), 0u) << path;
+  }
+  close(listener);
 }
 
 // A shortcut is read with room for the size the file gives and one byte more, so that a larger one is refused.

@@ -278,6 +278,22 @@ TEST_F(ErrorReporter, DescribeSystemErrorInsertsTheFileName) {
   ReleaseSystemErrorText();
 }
 
+// A failed save is one line on standard error: the path, and the system's text for the error or, where the system
+// has none, the code. Standard output gets nothing, nobody is asked, and the last error stays.
+TEST_F(ErrorReporter, AFailedSaveIsToldOnStandardError) {
+  SetLastError(ERROR_FILE_NOT_FOUND);
+  TellFailedSave("C:\\d\\a.lnk", ERROR_ACCESS_DENIED);
+  TellFailedSave("C:\\d\\b.lnk", 0x2000FFFFu);
+  TellFailedSave("C:\\d\\c.lnk", 0xFFFFu);
+  EXPECT_EQ(TestConsoleErrors(), "kelmaro: could not save C:\\d\\a.lnk: " + SystemText(ERROR_ACCESS_DENIED) +
+                                     "\n"
+                                     "kelmaro: could not save C:\\d\\b.lnk: error 0x2000FFFF\n"
+                                     "kelmaro: could not save C:\\d\\c.lnk: error 65535\n");
+  EXPECT_EQ(TestConsoleOutput(), "");
+  EXPECT_TRUE(TestConsoleBeeps().empty());
+  EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+}
+
 TEST_F(ErrorReporter, InternetResponseIsKeptInABlock) {
   size_t blocks = TestLiveBlockCount();
   const char *text = DescribeSystemError(nullptr, ERROR_INTERNET_EXTENDED_ERROR);

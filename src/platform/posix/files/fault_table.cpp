@@ -18,32 +18,35 @@ struct FaultRow {
   int skip;  // calls still to let through before the failures begin
   int left;  // failures still to give; -1 for every call from then on
   DWORD error;
+  size_t calls;  // calls counted since the process began
 };
 
 // clang-format off
 FaultRow table[] = {
-    {"FindFirstFileA", 0, 0, 0},
-    {"FindNextFileA", 0, 0, 0},
-    {"FindClose", 0, 0, 0},
-    {"CreateFileA", 0, 0, 0},
-    {"CreateFileW", 0, 0, 0},
-    {"ReadFile", 0, 0, 0},
-    {"WriteFile", 0, 0, 0},
-    {"CloseHandle", 0, 0, 0},
-    {"GetFileSize", 0, 0, 0},
-    {"GetFileSizeEx", 0, 0, 0},
-    {"DeleteFileA", 0, 0, 0},
-    {"MoveFileA", 0, 0, 0},
-    {"MoveFileExW", 0, 0, 0},
-    {"CreateDirectoryA", 0, 0, 0},
-    {"RemoveDirectoryA", 0, 0, 0},
-    {"GetFileAttributesA", 0, 0, 0},
-    {"SetFileAttributesA", 0, 0, 0},
-    {"SetCurrentDirectoryA", 0, 0, 0},
-    {"SearchPathA", 0, 0, 0},
-    {"GetDiskFreeSpaceA", 0, 0, 0},
-    {"GetDiskFreeSpaceExA", 0, 0, 0},
-    {"GetVolumeInformationA", 0, 0, 0},
+    {"FindFirstFileA", 0, 0, 0, 0},
+    {"FindNextFileA", 0, 0, 0, 0},
+    {"FindClose", 0, 0, 0, 0},
+    {"CreateFileA", 0, 0, 0, 0},
+    {"CreateFileW", 0, 0, 0, 0},
+    {"ReadFile", 0, 0, 0, 0},
+    {"WriteFile", 0, 0, 0, 0},
+    {"GetFileInformationByHandle", 0, 0, 0, 0},
+    {"SetFileInformationByHandle", 0, 0, 0, 0},
+    {"CloseHandle", 0, 0, 0, 0},
+    {"GetFileSize", 0, 0, 0, 0},
+    {"GetFileSizeEx", 0, 0, 0, 0},
+    {"DeleteFileA", 0, 0, 0, 0},
+    {"MoveFileA", 0, 0, 0, 0},
+    {"MoveFileExW", 0, 0, 0, 0},
+    {"CreateDirectoryA", 0, 0, 0, 0},
+    {"RemoveDirectoryA", 0, 0, 0, 0},
+    {"GetFileAttributesA", 0, 0, 0, 0},
+    {"SetFileAttributesA", 0, 0, 0, 0},
+    {"SetCurrentDirectoryA", 0, 0, 0, 0},
+    {"SearchPathA", 0, 0, 0, 0},
+    {"GetDiskFreeSpaceA", 0, 0, 0, 0},
+    {"GetDiskFreeSpaceExA", 0, 0, 0, 0},
+    {"GetVolumeInformationA", 0, 0, 0, 0},
 };
 // clang-format on
 static_assert(sizeof table / sizeof table[0] == kFaultCount, "one row for each fault point");
@@ -59,6 +62,7 @@ size_t folderReads = 0;
 
 bool ForcedFailure(FaultPoint point, DWORD *error) {
   FaultRow &row = table[point];
+  ++row.calls;
   if (row.left == 0) return false;
   if (row.skip > 0) {
     --row.skip;
@@ -102,6 +106,12 @@ bool TestFailListing(const char *folder, DWORD error) {
   if (full.size() > 3 && full.back() == u'\\') full.pop_back();
   listingFaults.push_back({full, error});
   return true;
+}
+
+size_t TestCountedCalls(const char *operation) {
+  for (const FaultRow &row : table)
+    if (std::strcmp(row.name, operation) == 0) return row.calls;
+  return 0;
 }
 
 void TestClearFaults(void) {

@@ -18,6 +18,8 @@ enum FaultPoint {
   kFaultCreateFileW,
   kFaultReadFile,
   kFaultWriteFile,
+  kFaultGetFileInformationByHandle,
+  kFaultSetFileInformationByHandle,
   kFaultCloseHandle,
   kFaultGetFileSize,
   kFaultGetFileSizeEx,

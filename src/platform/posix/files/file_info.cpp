@@ -72,6 +72,7 @@ bool TooManyLinksOnTheWay(const char *path) {
 
 void TakeFacts(const struct statx &info, EntryFacts *facts) {
   facts->isDirectory = S_ISDIR(info.stx_mode);
+  facts->isSpecial = !S_ISREG(info.stx_mode) && !S_ISDIR(info.stx_mode) && !S_ISLNK(info.stx_mode);
   facts->readOnly = ReadOnly(info);
   facts->mode = info.stx_mode & 07777;
   facts->size = facts->isDirectory ? 0 : info.stx_size;

@@ -11,10 +11,11 @@
 // The facts of one entry, read with one statx call (two for a symbolic link).
 struct EntryFacts {
   bool isDirectory = false;
-  bool isLink = false;    // the entry is a symbolic link; the facts are those of its target
-  bool dangling = false;  // a link whose target cannot be reached; the facts are those of the link
-  bool readOnly = false;  // this process may not write it (see AttributesOf)
-  uint32_t mode = 0;      // the Linux permission bits (07777)
+  bool isLink = false;     // the entry is a symbolic link; the facts are those of its target
+  bool dangling = false;   // a link whose target cannot be reached; the facts are those of the link
+  bool readOnly = false;   // this process may not write it (see AttributesOf)
+  bool isSpecial = false;  // a FIFO, a socket or a device: neither a file, a folder nor a link, and never opened
+  uint32_t mode = 0;       // the Linux permission bits (07777)
   uint64_t size = 0;
   uint64_t creationTime = 0;  // FILETIME ticks
   uint64_t accessTime = 0;

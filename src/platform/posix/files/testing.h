@@ -9,10 +9,15 @@
 
 // Makes calls of one operation, named as in Windows ("FindFirstFileA", "CreateFileA", "ReadFile", "DeleteFileA" ...),
 // fail with `error` as their last error: the next `skip` calls still go through, then `count` calls fail (-1: every
-// call from then on). A failing call changes nothing on disk. A shortcut's load and save open with "CreateFileW", go
-// through "ReadFile", "WriteFile" and "CloseHandle", and put the new file in place with "MoveFileExW". Result: false
-// for an operation the table does not know.
+// call from then on). A failing call changes nothing on disk. A shortcut's load opens with "CreateFileW", asks the
+// open file its kind and size with "GetFileInformationByHandle" and reads with "ReadFile"; its save makes the new file
+// with "CreateFileW", goes through "WriteFile", gives it the old file's mode with "SetFileInformationByHandle" (only
+// where the process's mask took bits from that mode), "CloseHandle", and puts it in place with "MoveFileExW". Result:
+// false for an operation the table does not know.
 bool TestFailCalls(const char *operation, DWORD error, int count = 1, int skip = 0);
+// How many calls of the operation have reached the table since the process began, failed or not: so that a test can
+// let through the calls that come before the one it means to fail. 0 for an operation the table does not know.
+size_t TestCountedCalls(const char *operation);
 // Listing `folder` (FindFirstFileA on any pattern in it) fails with `error` until TestClearFaults. The folder is given
 // as the program gives paths and compared, once made full, without case. Result: false for a path that is not valid.
 bool TestFailListing(const char *folder, DWORD error);

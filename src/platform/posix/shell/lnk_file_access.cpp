@@ -74,6 +74,24 @@ bool WriteAll(int fd, const std::vector<uint8_t> &bytes, DWORD *forced) {
   return true;
 }
 
+// fstat of an open file; Windows' shell link object asks an open file for its size and kind the same way.
+int StatFile(int fd, struct stat *info, DWORD *forced) {
+  if (ForcedFailure(kFaultGetFileInformationByHandle, forced)) {
+    errno = EIO;
+    return -1;
+  }
+  return fstat(fd, info);
+}
+
+// fchmod of the new file, which Windows does through the handle as well.
+int SetFileMode(int fd, mode_t mode, DWORD *forced) {
+  if (ForcedFailure(kFaultSetFileInformationByHandle, forced)) {
+    errno = EIO;
+    return -1;
+  }
+  return fchmod(fd, mode);
+}
+
 int CloseFile(int fd, DWORD *forced) {
   int result = close(fd);
   if (result == 0 && ForcedFailure(kFaultCloseHandle, forced)) {
@@ -97,11 +115,14 @@ DWORD FileError(int error, DWORD forced) { return forced != 0 ? forced : ErrorFr
 // The Linux path of a drive path, each name found without case as Windows finds it (a name that is not there is
 // taken as written, so that a new file can be made). Without this, a target typed in another case than the disk's
 // would read as missing, its shortcut would be saved with no target facts, and the engine would then take that
-// shortcut for unreadable. Result: false for a path on no mapped drive.
-bool LinuxPathOf(const std::string &drivePath, std::string *linuxPath) {
+// shortcut for unreadable. `*special` tells whether the entry found is a FIFO, a socket or a device. Result: false for
+// a path on no mapped drive.
+bool LinuxPathOf(const std::string &drivePath, std::string *linuxPath, bool *special) {
   DiskPath found;
+  *special = false;
   if (FindProgramPath(drivePath.c_str(), &found) == 0 && !found.linux.empty()) {
     *linuxPath = found.linux;
+    *special = found.exists && found.facts.isSpecial;
     return true;
   }
   return DrivePathToLinuxPath(drivePath, linuxPath);
@@ -158,13 +179,19 @@ FileFacts QueryFileFacts(const std::string &drivePath) {
 
 uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vector<uint8_t> *bytes) {
   std::string linuxPath;
-  if (!LinuxPathOf(drivePath, &linuxPath)) return ERROR_PATH_NOT_FOUND;
+  bool special = false;
+  if (!LinuxPathOf(drivePath, &linuxPath, &special)) return ERROR_PATH_NOT_FOUND;
+  // The resolver has read the entry's facts on its way: a FIFO, a socket or a device is refused before anything opens
+  // it, as opening a device can itself act on the device.
+  if (special) return ERROR_ACCESS_DENIED;
   return ReadLinuxFile(linuxPath, limit, bytes);
 }
 
 uint32_t ReadLinuxFile(const std::string &linuxPath, size_t limit, std::vector<uint8_t> *bytes) {
   DWORD forced = 0;
-  int fd = OpenFile(linuxPath.c_str(), O_RDONLY, 0, &forced);
+  // Without O_NONBLOCK, opening a FIFO waits for a writer, for ever in a tree nobody writes to; a terminal would become
+  // the process's own without O_NOCTTY. Neither flag changes how a regular file reads.
+  int fd = OpenFile(linuxPath.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY, 0, &forced);
   if (fd < 0) {
     int error = errno;
     if (forced != 0 || error != ENOENT) return FileError(error, forced);
@@ -176,17 +203,17 @@ uint32_t ReadLinuxFile(const std::string &linuxPath, size_t limit, std::vector<u
   }
   struct stat info;
   uint32_t result = ERROR_SUCCESS;
-  if (fstat(fd, &info) != 0) {
-    result = ErrorFromErrno(errno);
-  } else if (S_ISDIR(info.st_mode)) {
+  if (StatFile(fd, &info, &forced) != 0) {
+    result = FileError(errno, forced);
+  } else if (!S_ISREG(info.st_mode)) {
+    // A folder, or something that took the name's place after the resolver looked (a FIFO, a socket, a device): no
+    // shortcut, and not read, as a read of it could wait for ever.
     result = ERROR_ACCESS_DENIED;
   } else if (static_cast<uint64_t>(info.st_size) > limit) {
     result = ERROR_NOT_ENOUGH_MEMORY;
   } else {
-    // Room for the size that fstat gave and one byte more: a read of a regular file that does not fill it has met the
-    // end of the file, so a shortcut takes one read. A file that grew meanwhile, or one that tells no size (a pipe),
-    // is read on, up to the limit.
-    bool regular = S_ISREG(info.st_mode);
+    // Room for the size that fstat gave and one byte more: a read that does not fill it has met the end of the file,
+    // so a shortcut takes one read. A file that grew meanwhile is read on, up to the limit.
     size_t room = static_cast<size_t>(info.st_size) + 1;
     size_t done = 0;
     bytes->resize(room);
@@ -202,8 +229,7 @@ uint32_t ReadLinuxFile(const std::string &linuxPath, size_t limit, std::vector<u
         result = ERROR_NOT_ENOUGH_MEMORY;
         break;
       }
-      if (got == 0 || (regular && done < room)) break;
-      if (done < room) continue;
+      if (got == 0 || done < room) break;
       room = std::min(room * 2, limit + 1);
       bytes->resize(room);
     }
@@ -266,7 +292,7 @@ uint32_t ReplaceShortcutFile(const std::string &drivePath, const std::vector<uin
   // renamed over another before the rename is committed.
   bool ok = WriteAll(fd, bytes, &forced);
   // The mask took bits from the mode the file was made with, or the mode has bits beyond the permissions.
-  if (ok && (mode & (ProcessUmask() | ~0777u)) != 0) ok = fchmod(fd, mode) == 0;
+  if (ok && (mode & (ProcessUmask() | ~0777u)) != 0) ok = SetFileMode(fd, mode, &forced) == 0;
   int error = ok ? 0 : errno;
   if (CloseFile(fd, &forced) != 0 && ok) {
     ok = false;

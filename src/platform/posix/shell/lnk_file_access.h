@@ -22,8 +22,9 @@ struct FileFacts {
 FileFacts QueryFileFacts(const std::string &drivePath);
 
 // Reads a whole shortcut file. Result: a Windows error code: ERROR_SUCCESS; ERROR_PATH_NOT_FOUND for a path that is
-// not on a mapped drive; ERROR_FILE_NOT_FOUND; ERROR_ACCESS_DENIED (also for a folder); ERROR_NOT_ENOUGH_MEMORY for a
-// file larger than `limit`; ERROR_READ_FAULT for any other failure.
+// not on a mapped drive; ERROR_FILE_NOT_FOUND; ERROR_ACCESS_DENIED (also for a folder, and for a FIFO, a socket or a
+// device, which is refused without a read that could wait); ERROR_NOT_ENOUGH_MEMORY for a file larger than `limit`;
+// the mapped error of a failed open, fstat or read otherwise.
 uint32_t ReadShortcutFile(const std::string &drivePath, size_t limit, std::vector<uint8_t> *bytes);
 // The same for a file already found on disk, by its Linux path.
 uint32_t ReadLinuxFile(const std::string &linuxPath, size_t limit, std::vector<uint8_t> *bytes);

@@ -84,6 +84,8 @@ DWORD_PTR IconLocation(LPCSTR path, SHFILEINFOA *info) {
   std::snprintf(info->szDisplayName, sizeof info->szDisplayName, "%s", path);
   info->iIcon = 0;
   if (!EndsInExtension(path, "lnk")) return 1;
+  // A FIFO, a socket or a device by a shortcut's name is read as a damaged shortcut, and never opened.
+  if (found.facts.isSpecial) return 0;
   std::vector<uint8_t> bytes;
   ShellLinkRecord record;
   if (ReadLinuxFile(found.linux, 16u << 20, &bytes) != 0 ||
@@ -108,9 +110,12 @@ DWORD_PTR SHGetFileInfoA(LPCSTR path, DWORD, SHFILEINFOA *info, UINT infoSize, U
     return IconLocation(path, info);
   if (flags != SHGFI_EXETYPE || path == nullptr || *path == 0) return 0;
   DiskPath found;
-  if (FindProgramPath(path, &found) != 0 || !found.exists || found.isRoot || found.facts.isDirectory) return 0;
+  if (FindProgramPath(path, &found) != 0 || !found.exists || found.isRoot || found.facts.isDirectory ||
+      found.facts.isSpecial)
+    return 0;
   if (EndsInExtension(path, "bat") || EndsInExtension(path, "cmd")) return kPortable;
-  int file = open(found.linux.c_str(), O_RDONLY | O_CLOEXEC);
+  // Not waiting on a FIFO that took the name's place since the resolver looked: it reads as no program.
+  int file = open(found.linux.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (file < 0) return 0;
   DWORD type = TypeFromHeaders(file, EndsInExtension(path, "com") ? kDos : 0);
   close(file);
