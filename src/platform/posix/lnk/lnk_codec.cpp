@@ -27,7 +27,9 @@ LnkError ParseShellLink(ByteSpan file, ShellLinkRecord *record) {
 
 std::vector<uint8_t> SerializeShellLink(const ShellLinkRecord &record) {
   const LnkStrings &strings = record.strings;
-  uint32_t flags = record.header.linkFlags & ~kLinkStructureFlags & ~kLinkForceNoLinkInfo;
+  // ForceNoLinkInfo is kept: it decides whether LinkInfo or the ID list names the target, and a save must not change
+  // that. SetPath clears it, as the LinkInfo it writes is then the target's.
+  uint32_t flags = record.header.linkFlags & ~kLinkStructureFlags;
   flags |= kLinkIsUnicode;
   if (record.hasIdList) flags |= kLinkHasIdList;
   if (record.hasLinkInfo) flags |= kLinkHasLinkInfo;
@@ -36,8 +38,11 @@ std::vector<uint8_t> SerializeShellLink(const ShellLinkRecord &record) {
   if (!strings.workingDir.empty()) flags |= kLinkHasWorkingDir;
   if (!strings.arguments.empty()) flags |= kLinkHasArguments;
   if (!strings.iconLocation.empty()) flags |= kLinkHasIconLocation;
-  if (record.extra.hasEnvironment) flags |= kLinkHasExpString;
-  if (record.extra.hasIconEnvironment) flags |= kLinkHasExpIcon;
+  // An environment block is read whether or not LinkFlags announces it, but only an announced one counts as the
+  // target or the icon; the announcement is kept as it was, so that a save does not turn a block that was passed
+  // over into the target. The shell link object announces every block it sets.
+  if (record.extra.hasEnvironment && (record.header.linkFlags & kLinkHasExpString)) flags |= kLinkHasExpString;
+  if (record.extra.hasIconEnvironment && (record.header.linkFlags & kLinkHasExpIcon)) flags |= kLinkHasExpIcon;
   LnkHeader header = record.header;
   header.linkFlags = flags;
   std::vector<uint8_t> out;

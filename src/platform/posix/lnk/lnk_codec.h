@@ -16,8 +16,8 @@
 // record is then unspecified). Damage that the fields do not depend on is flagged in record->damage.
 LnkError ParseShellLink(ByteSpan file, ShellLinkRecord *record);
 // The file image of a record: header, ID list, LinkInfo, string data (always UTF-16), extra blocks, terminal block.
-// The structure bits of LinkFlags are set from what the record holds (a string is written when it is not empty); the
-// other bits are kept.
+// The structure bits of LinkFlags are set from what the record holds (a string is written when it is not empty), the
+// environment bits where the record holds the block and its flags announce it; the other bits are kept.
 std::vector<uint8_t> SerializeShellLink(const ShellLinkRecord &record);
 
 // ---- One structure each (lnk_header.cpp, lnk_idlist.cpp, lnk_linkinfo.cpp, lnk_strings.cpp, lnk_extra.cpp) -------

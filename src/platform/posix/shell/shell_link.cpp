@@ -9,6 +9,7 @@
 #include "platform/posix/lnk/lnk_codec.h"
 #include "platform/posix/lnk/lnk_text.h"
 #include "platform/posix/shell/lnk_file_access.h"
+#include "platform/posix/shell/shell_link_image.h"
 #include "platform/posix/text/path_names.h"
 
 const IID IID_IUnknown = {0x00000000, 0x0000, 0x0000, {0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
@@ -318,20 +319,33 @@ class ShellLink final : public IShellLinkA, public IPersistFile {
     uint32_t error = ReadShortcutFile(path, kLargestShortcutFile, &bytes);
     if (error == ERROR_NOT_ENOUGH_MEMORY) return E_FAIL;
     if (error != ERROR_SUCCESS) return HRESULT_FROM_WIN32(error);
+    HRESULT result = LoadImage(bytes.data(), bytes.size());
+    if (SUCCEEDED(result)) currentFile_ = path;
+    return result;
+  }
+
+  // Load after the file is read, and what Save writes.
+  HRESULT LoadImage(const uint8_t *bytes, size_t size) {
     ShellLinkRecord record;
-    if (ParseShellLink(ByteSpan{bytes.data(), bytes.size()}, &record) != LnkError::kNone) return E_FAIL;
+    if (ParseShellLink(ByteSpan{bytes, size}, &record) != LnkError::kNone) return E_FAIL;
     record_ = record;
     refused_ = 0;
-    currentFile_ = path;
     dirty_ = false;
+    return S_OK;
+  }
+  HRESULT SaveImage(std::vector<uint8_t> *bytes) const {
+    if (refused_ != 0) return E_INVALIDARG;
+    *bytes = SerializeShellLink(record_);
     return S_OK;
   }
 
   HRESULT STDMETHODCALLTYPE Save(LPCOLESTR fileName, BOOL remember) override {
-    if (refused_ != 0) return E_INVALIDARG;
+    std::vector<uint8_t> image;
+    HRESULT result = SaveImage(&image);
+    if (FAILED(result)) return result;
     std::string path = fileName ? Cp932FromUtf16(Utf16FromWide(fileName, std::wcslen(fileName))) : currentFile_;
     if (path.empty()) return E_INVALIDARG;
-    uint32_t error = ReplaceShortcutFile(path, SerializeShellLink(record_));
+    uint32_t error = ReplaceShortcutFile(path, image);
     if (error != ERROR_SUCCESS) return HRESULT_FROM_WIN32(error);
     if (remember || fileName == nullptr) {
       currentFile_ = path;
@@ -391,6 +405,17 @@ class ShellLink final : public IShellLinkA, public IPersistFile {
 };
 
 }  // namespace
+
+// The object of CoCreateInstance is a ShellLink whatever interface the caller holds.
+HRESULT LoadShellLinkImage(IShellLinkA *link, const uint8_t *bytes, size_t size) {
+  if (link == nullptr || (bytes == nullptr && size != 0)) return E_INVALIDARG;
+  return static_cast<ShellLink *>(link)->LoadImage(bytes, size);
+}
+
+HRESULT SaveShellLinkImage(IShellLinkA *link, std::vector<uint8_t> *bytes) {
+  if (link == nullptr || bytes == nullptr) return E_INVALIDARG;
+  return static_cast<ShellLink *>(link)->SaveImage(bytes);
+}
 
 HRESULT CoInitialize(LPVOID) { return initializeCount++ == 0 ? S_OK : S_FALSE; }
 

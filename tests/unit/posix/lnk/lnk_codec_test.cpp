@@ -37,7 +37,8 @@ TEST(LnkFile, WritesWhatItReads) {
   record.header.iconIndex = -3;
   record.header.showCommand = 7;
   record.header.hotKey = 0x0270;  // Ctrl+F1: written when set, though the engine never sets one
-  record.header.linkFlags = kLinkHasArguments | 0x00080000;  // a structure bit that is wrong, and a bit to keep
+  // A structure bit that is wrong, the announcement of the icon block below, and a bit to keep.
+  record.header.linkFlags = kLinkHasArguments | kLinkHasExpIcon | 0x00080000;
   ASSERT_TRUE(BuildIdListForPath(u"C:\\表\\x.exe", {}, &record.idList));
   record.hasIdList = true;
   record.hasLinkInfo = true;
