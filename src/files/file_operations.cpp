@@ -29,8 +29,8 @@ const unsigned kPortableSignature = 0x4550;
 const unsigned kNewSignature = 0x454E;
 const unsigned kDosSignature = 0x5A4D;
 
-// The folder whose virtual-store twin a failed delete tries. The special folders will set it; while it is empty, that
-// branch is not taken.
+// The folder whose virtual-store twin a failed delete tries. Nothing sets it yet; while it is empty, that branch is
+// not taken.
 char deleteFolderHint[kPathSize] = "";
 
 typedef BOOL(WINAPI *GetFileSizeExCall)(HANDLE, PLARGE_INTEGER);

@@ -1,4 +1,4 @@
-// Special folders.
+// Known folders of the shell.
 #include "machine/known_folders.h"
 
 #include <cstring>

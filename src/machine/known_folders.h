@@ -1,4 +1,4 @@
-// Special folders: the paths of the shell's known folders under 46 fixed rows, read from the registry's "Shell
+// Known folders: the paths of the shell's known folders under 46 fixed rows, read from the registry's "Shell
 // Folders" lists, with their labels; and the user's virtual store, whose twins of protected folders the file services
 // look for. Nothing here reports: a folder that cannot be found leaves its row empty.
 #pragma once

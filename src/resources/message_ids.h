@@ -88,7 +88,7 @@ enum MessageId : unsigned {
   kMsgOptionValueName = 8402,
   kMsgSettingsKeyName = 8403,
   kMsgFolderValueName = 8404,
-  // The special folders' families, indexed by the folder's row: the value names under "Shell Folders" at
+  // The known folders' families, indexed by the folder's row: the value names under "Shell Folders" at
   // kMsgShellFolderName + row (rows 0 to 41), the labels at kMsgSpecialFolderLabel + row (rows 0 to 37), the labels
   // that the systems with a virtual store give rows 10 to 13 and 32 to 34 at kMsgSpecialFolderLabelNew + 0 to 6, and
   // those of the program folders (rows 38 to 45) at kMsgProgramFolderLabel + row - 38.

@@ -1,4 +1,4 @@
-// The special folders against the registry they are read from: under Wine the prefix's own "Shell Folders" values,
+// The known folders against the registry they are read from: under Wine the prefix's own "Shell Folders" values,
 // which the test reads back itself; on Linux values that the test puts there. And the labels by the system's class.
 #include "machine/known_folders.h"
 

@@ -217,7 +217,6 @@ DWORD SearchPathA(LPCSTR path, LPCSTR fileName, LPCSTR extension, DWORD bufferLe
 // The Windows folder of Linux: the one that the environment variable windir (or SystemRoot) names in drive form;
 // without it "C:\windows" when drive C is mapped, as a Wine prefix has it (the folder need not be there); otherwise
 // none, and these give 0 with ERROR_PATH_NOT_FOUND and an empty buffer. The system folder is its "system32".
-// Their callers come with the special folders.
 UINT GetWindowsDirectoryA(LPSTR buffer, UINT size);
 UINT GetSystemDirectoryA(LPSTR buffer, UINT size);
 

@@ -1,4 +1,4 @@
-// The special folders over a registry, drives and a Windows folder that the test makes: which row each "Shell
+// The known folders over a registry, drives and a Windows folder that the test makes: which row each "Shell
 // Folders" value fills, the values that are passed over, a disowned key, the program folders and their twins in the
 // user's virtual store. The Linux build says it is Windows 10 in 64 bits, so labels and user rows follow that class.
 #include <gtest/gtest.h>
